@@ -1,0 +1,216 @@
+// SPDX-License-Identifier: MIT
+#include "platform/undo_manager.h"
+
+#include "platform/run_loop.h"
+
+#include <cassert>
+
+namespace plyra {
+
+UndoManager::UndoManager()
+    : m_alive(std::make_shared<bool>(true))
+{
+}
+
+UndoManager::~UndoManager()
+{
+    *m_alive = false;
+}
+
+void UndoManager::registerUndo(const void* target, Action action)
+{
+    if (!isUndoRegistrationEnabled())
+        return;
+    if (m_openGroups.empty()) {
+        assert(m_groupsByEvent || m_state != State::Normal);
+        beginUndoGrouping();
+        m_autoGroupOpen = true;
+        // The group of this pass closes when the pass ends. The manager may be gone by
+        // then (a closed document), hence the liveness flag.
+        std::weak_ptr<bool> alive = m_alive;
+        RunLoop::main().callAtEndOfPass([this, alive] {
+            if (auto flag = alive.lock(); flag && *flag)
+                closeAutomaticGroup();
+        });
+    }
+    if (m_state == State::Normal)
+        m_redoStack.clear();
+    m_openGroups.back().entries.push_back({target, std::move(action)});
+}
+
+void UndoManager::setActionName(const std::string& name)
+{
+    if (!isUndoRegistrationEnabled())
+        return;
+    if (!m_openGroups.empty())
+        m_openGroups.front().name = name;
+    else if (!m_undoStack.empty())
+        m_undoStack.back().name = name;
+    notifyChanged();
+}
+
+void UndoManager::beginUndoGrouping()
+{
+    m_openGroups.emplace_back();
+}
+
+void UndoManager::endUndoGrouping()
+{
+    assert(!m_openGroups.empty());
+    Group group = std::move(m_openGroups.back());
+    m_openGroups.pop_back();
+    if (!m_openGroups.empty()) {
+        // A nested group becomes part of its parent.
+        Group& parent = m_openGroups.back();
+        for (Entry& e : group.entries)
+            parent.entries.push_back(std::move(e));
+        if (parent.name.empty())
+            parent.name = group.name;
+        return;
+    }
+    m_autoGroupOpen = false;
+    if (group.entries.empty())
+        return;
+    stackBeingBuilt().push_back(std::move(group));
+    notifyChanged();
+}
+
+int UndoManager::groupingLevel() const
+{
+    return static_cast<int>(m_openGroups.size());
+}
+
+std::vector<UndoManager::Group>& UndoManager::stackBeingBuilt()
+{
+    return m_state == State::Undoing ? m_redoStack : m_undoStack;
+}
+
+void UndoManager::closeAutomaticGroup()
+{
+    if (m_autoGroupOpen && m_openGroups.size() == 1)
+        endUndoGrouping();
+}
+
+bool UndoManager::canUndo() const
+{
+    if (!m_undoStack.empty())
+        return true;
+    return m_openGroups.size() == 1 && !m_openGroups.front().entries.empty() && m_state == State::Normal;
+}
+
+bool UndoManager::canRedo() const
+{
+    return !m_redoStack.empty() && m_openGroups.empty();
+}
+
+void UndoManager::undo()
+{
+    // Undo ends the step of the current pass first, so that it is what gets undone.
+    closeAutomaticGroup();
+    assert(m_openGroups.empty());
+    if (m_undoStack.empty())
+        return;
+    runTopGroup(m_undoStack, State::Undoing);
+}
+
+void UndoManager::redo()
+{
+    closeAutomaticGroup();
+    assert(m_openGroups.empty());
+    if (m_redoStack.empty())
+        return;
+    runTopGroup(m_redoStack, State::Redoing);
+}
+
+void UndoManager::runTopGroup(std::vector<Group>& from, State state)
+{
+    Group group = std::move(from.back());
+    from.pop_back();
+    m_state = state;
+    beginUndoGrouping();
+    for (auto it = group.entries.rbegin(); it != group.entries.rend(); ++it)
+        it->action();
+    m_openGroups.back().name = group.name;
+    endUndoGrouping();
+    m_state = State::Normal;
+    notifyChanged();
+}
+
+std::string UndoManager::undoActionName() const
+{
+    if (m_undoStack.empty())
+        return {};
+    return m_undoStack.back().name;
+}
+
+std::string UndoManager::redoActionName() const
+{
+    if (m_redoStack.empty())
+        return {};
+    return m_redoStack.back().name;
+}
+
+std::string UndoManager::undoMenuItemTitle() const
+{
+    const std::string name = undoActionName();
+    return name.empty() ? std::string("Undo") : "Undo " + name;
+}
+
+std::string UndoManager::redoMenuItemTitle() const
+{
+    const std::string name = redoActionName();
+    return name.empty() ? std::string("Redo") : "Redo " + name;
+}
+
+void UndoManager::disableUndoRegistration()
+{
+    ++m_disableCount;
+}
+
+void UndoManager::enableUndoRegistration()
+{
+    assert(m_disableCount > 0);
+    if (m_disableCount > 0)
+        --m_disableCount;
+}
+
+void UndoManager::removeAllActions()
+{
+    m_undoStack.clear();
+    m_redoStack.clear();
+    m_openGroups.clear();
+    m_autoGroupOpen = false;
+    notifyChanged();
+}
+
+void UndoManager::removeAllActionsWithTarget(const void* target)
+{
+    auto strip = [target](std::vector<Group>& groups, bool dropEmpty) {
+        for (Group& g : groups)
+            std::erase_if(g.entries, [target](const Entry& e) { return e.target == target; });
+        if (dropEmpty)
+            std::erase_if(groups, [](const Group& g) { return g.entries.empty(); });
+    };
+    strip(m_undoStack, true);
+    strip(m_redoStack, true);
+    strip(m_openGroups, false);
+    notifyChanged();
+}
+
+int UndoManager::undoStepCount() const
+{
+    return static_cast<int>(m_undoStack.size());
+}
+
+int UndoManager::redoStepCount() const
+{
+    return static_cast<int>(m_redoStack.size());
+}
+
+void UndoManager::notifyChanged()
+{
+    if (m_changed)
+        m_changed();
+}
+
+} // namespace plyra

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "platform/plist/property_list.h"
 
+#include "platform/number_text.h"
+
 #include <cmath>
-#include <cstdlib>
 #include <limits>
 
 namespace plyra {
@@ -26,20 +27,11 @@ double PropertyList::doubleValue() const
     case Type::Boolean:
         return std::get<bool>(m_value) ? 1.0 : 0.0;
     case Type::String: {
-        const std::string& s = std::get<std::string>(m_value);
-        const char* begin = s.c_str();
-        while (*begin == ' ' || *begin == '\t' || *begin == '\n' || *begin == '\r')
-            ++begin;
-        // Only decimal text counts: hexadecimal, "inf" and "nan" are not numbers here.
-        if (!(*begin == '+' || *begin == '-' || *begin == '.' || (*begin >= '0' && *begin <= '9')))
-            return 0.0;
-        if ((begin[0] == '0' && (begin[1] == 'x' || begin[1] == 'X')))
-            return 0.0;
-        char* end = nullptr;
-        const double value = std::strtod(begin, &end);
-        if (end == begin || !std::isfinite(value))
-            return end == begin ? 0.0 : value;
-        return value;
+        std::string_view text = std::get<std::string>(m_value);
+        while (!text.empty() && (text.front() == ' ' || text.front() == '\t' || text.front() == '\n' || text.front() == '\r'))
+            text.remove_prefix(1);
+        double value = 0.0;
+        return readLeadingNumber(text, value) > 0 ? value : 0.0;
     }
     default:
         return 0.0;

@@ -1,0 +1,232 @@
+// SPDX-License-Identifier: MIT
+#include "cli/cli_options.h"
+
+#include "platform/number_text.h"
+
+#include <cctype>
+#include <cmath>
+#include <functional>
+#include <map>
+
+namespace plyra {
+namespace {
+
+bool parseFloat(const std::string& text, float& value)
+{
+    double d = 0.0;
+    if (text.empty() || readLeadingNumber(text, d) != text.size() || !std::isfinite(d))
+        return false;
+    value = static_cast<float>(d);
+    return true;
+}
+
+bool parseInteger(const std::string& text, std::int64_t& value)
+{
+    if (text.empty() || text.find_first_not_of("0123456789") != std::string::npos || text.size() > 9)
+        return false;
+    value = std::stoll(text);
+    return true;
+}
+
+bool endsWith(std::string text, const std::string& suffix)
+{
+    for (char& c : text)
+        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return text.size() >= suffix.size() && text.compare(text.size() - suffix.size(), suffix.size(), suffix) == 0;
+}
+
+// Reads the option values into the options; answers an error text or "".
+class OptionReader {
+public:
+    explicit OptionReader(CliOptions& options)
+        : m_o(options)
+    {
+    }
+
+    std::string read(const std::string& name, const std::string& value)
+    {
+        const auto it = handlers().find(name);
+        return it == handlers().end() ? "unknown option " + name : it->second(*this, value);
+    }
+
+    static bool takesValue(const std::string& name) { return handlers().count(name) > 0; }
+
+private:
+    using Handler = std::function<std::string(OptionReader&, const std::string&)>;
+
+    static const std::map<std::string, Handler>& handlers()
+    {
+        static const std::map<std::string, Handler> table{
+            {"-o", [](OptionReader& r, const std::string& v) { return r.output(v); }},
+            {"--time", [](OptionReader& r, const std::string& v) { return r.number(v, "--time", r.m_o.time); }},
+            {"--frames", [](OptionReader& r, const std::string& v) { return r.frames(v); }},
+            {"--fps", [](OptionReader& r, const std::string& v) { return r.positive(v, "--fps", r.m_o.framesPerSecond); }},
+            {"--range", [](OptionReader& r, const std::string& v) { return r.range(v); }},
+            {"--codec", [](OptionReader& r, const std::string& v) { return r.codec(v); }},
+            {"--quality", [](OptionReader& r, const std::string& v) { return r.quality(v); }},
+            {"--size", [](OptionReader& r, const std::string& v) { return r.size(v); }},
+            {"--interval", [](OptionReader& r, const std::string& v) { return r.positive(v, "--interval", r.m_o.interval); }},
+            {"--warp-field", [](OptionReader& r, const std::string& v) { return r.warpField(v); }},
+        };
+        return table;
+    }
+
+    std::string output(const std::string& v)
+    {
+        if (v.empty())
+            return "-o needs a file name";
+        m_o.outputPath = v;
+        return {};
+    }
+    std::string number(const std::string& v, const char* name, std::optional<float>& target)
+    {
+        float f = 0;
+        if (!parseFloat(v, f))
+            return std::string(name) + " needs a number, not '" + v + "'";
+        target = f;
+        return {};
+    }
+    std::string positive(const std::string& v, const char* name, std::optional<float>& target)
+    {
+        float f = 0;
+        if (!parseFloat(v, f) || !(f > 0))
+            return std::string(name) + " needs a number above 0, not '" + v + "'";
+        target = f;
+        return {};
+    }
+    std::string frames(const std::string& v)
+    {
+        std::int64_t n = 0;
+        if (!parseInteger(v, n) || n < 1 || n > 1000000)
+            return "--frames needs a whole number from 1 to 1000000, not '" + v + "'";
+        m_o.frames = static_cast<std::uint32_t>(n);
+        return {};
+    }
+    std::string range(const std::string& v)
+    {
+        const auto comma = v.find(',');
+        float l = 0;
+        float d = 0;
+        if (comma == std::string::npos || !parseFloat(v.substr(0, comma), l) || !parseFloat(v.substr(comma + 1), d))
+            return "--range needs LOCATION,LENGTH, not '" + v + "'";
+        m_o.rangeLocation = l;
+        m_o.rangeLength = d;
+        return {};
+    }
+    std::string codec(const std::string& v)
+    {
+        if (v.size() != 4)
+            return "--codec needs a four-character code such as mp4v, avc1, mjpb, pxlt or 'rle ', not '" + v + "'";
+        m_o.codec = v;
+        return {};
+    }
+    std::string quality(const std::string& v)
+    {
+        std::int64_t q = 0;
+        if (!parseInteger(v, q) || q > 1023)
+            return "--quality needs a whole number from 0 to 1023, not '" + v + "'";
+        m_o.quality = static_cast<int>(q);
+        return {};
+    }
+    std::string size(const std::string& v)
+    {
+        const auto x = v.find_first_of("xX");
+        float w = 0;
+        float h = 0;
+        if (x == std::string::npos || !parseFloat(v.substr(0, x), w) || !parseFloat(v.substr(x + 1), h)
+            || !(w >= 1 && h >= 1 && w <= 16384 && h <= 16384))
+            return "--size needs WIDTHxHEIGHT in pixels (1 to 16384), not '" + v + "'";
+        m_o.width = w;
+        m_o.height = h;
+        return {};
+    }
+    std::string warpField(const std::string& v)
+    {
+        if (v.empty())
+            return "--warp-field needs a file name";
+        m_o.outputPath = v;
+        m_o.mode = CliMode::WarpField;
+        return {};
+    }
+
+    CliOptions& m_o;
+};
+
+std::string checkMode(CliOptions& o)
+{
+    if (o.mode == CliMode::WarpField || o.mode == CliMode::Info)
+        return {};
+    if (o.outputPath.empty())
+        return {};
+    if (endsWith(o.outputPath, ".jpg") || endsWith(o.outputPath, ".jpeg")) {
+        if (o.frames || o.framesPerSecond || o.rangeLocation || o.reverse || o.codec || o.quality)
+            return "--frames, --fps, --range, --reverse, --codec and --quality are for movies (.mov)";
+        o.mode = CliMode::Frame;
+        return {};
+    }
+    if (endsWith(o.outputPath, ".mov")) {
+        if (!o.frames)
+            return "a movie needs --frames N";
+        if (o.time)
+            return "--time is for a single frame; a movie takes --range";
+        o.mode = CliMode::Movie;
+        return {};
+    }
+    return "the output must end in .jpg, .jpeg (a frame) or .mov (a movie): '" + o.outputPath + "'";
+}
+
+} // namespace
+
+CliParseResult parseCliOptions(const std::vector<std::string>& arguments)
+{
+    CliOptions options;
+    OptionReader reader(options);
+    bool info = false;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string& arg = arguments[i];
+        if (arg == "-h" || arg == "--help") {
+            options.mode = CliMode::Help;
+            return {options, {}};
+        }
+        if (arg == "--reverse" || arg == "--quiet" || arg == "--info") {
+            (arg == "--reverse" ? options.reverse : arg == "--quiet" ? options.quiet : info) = true;
+            continue;
+        }
+        if (OptionReader::takesValue(arg)) {
+            if (i + 1 >= arguments.size())
+                return {std::nullopt, arg + " needs a value"};
+            if (std::string error = reader.read(arg, arguments[++i]); !error.empty())
+                return {std::nullopt, error};
+            continue;
+        }
+        if (!arg.empty() && arg[0] == '-')
+            return {std::nullopt, "unknown option " + arg};
+        if (!options.documentPath.empty())
+            return {std::nullopt, "only one document, please: '" + arg + "'"};
+        options.documentPath = arg;
+    }
+    if (options.documentPath.empty())
+        return {std::nullopt, "no document given"};
+    if (info) {
+        if (options.mode == CliMode::WarpField || !options.outputPath.empty())
+            return {std::nullopt, "--info prints the document and takes no output"};
+        options.mode = CliMode::Info;
+    }
+    if (std::string error = checkMode(options); !error.empty())
+        return {std::nullopt, error};
+    return {options, {}};
+}
+
+std::string cliUsage()
+{
+    return "usage:\n"
+           "  plyra-render DOC.plyra [-o FRAME.jpg] [--time T]                     one frame (default time 0.5)\n"
+           "  plyra-render DOC.plyra -o MOVIE.mov --frames N [--fps F] [--range L,D] [--reverse]\n"
+           "               [--codec CODE] [--quality Q]                             a movie\n"
+           "  plyra-render DOC.plyra --info                                         the document as JSON\n"
+           "  plyra-render DOC.plyra --time T --warp-field FIELD                    one frame's warp field\n"
+           "common: [--size WxH] [--interval R] [--quiet]\n"
+           "codecs: mp4v (default of new documents), avc1, mjpb, 'rle ', pxlt; quality 0 to 1023\n";
+}
+
+} // namespace plyra

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: MIT
+#include "cli/cli_options.h"
+
+#include <gtest/gtest.h>
+
+namespace plyra {
+namespace {
+
+CliParseResult parse(std::vector<std::string> args)
+{
+    return parseCliOptions(args);
+}
+
+TEST(CliOptions, ModesFollowTheOutputExtensionAndOptions)
+{
+    auto frame = parse({"doc.plyra", "-o", "out.JPG", "--time", "0.25", "--size", "640x480", "--quiet"});
+    ASSERT_TRUE(frame.options) << frame.error;
+    EXPECT_EQ(frame.options->mode, CliMode::Frame);
+    EXPECT_EQ(*frame.options->time, 0.25f);
+    EXPECT_EQ(*frame.options->width, 640.0f);
+    EXPECT_EQ(*frame.options->height, 480.0f);
+    EXPECT_TRUE(frame.options->quiet);
+
+    auto defaults = parse({"doc.plyra"});
+    ASSERT_TRUE(defaults.options);
+    EXPECT_EQ(defaults.options->mode, CliMode::Frame);
+    EXPECT_FALSE(defaults.options->time);
+
+    auto movie = parse({"doc.plyra", "-o", "m.mov", "--frames", "48", "--fps", "24", "--range", "0.2,0.6",
+        "--reverse", "--codec", "rle ", "--quality", "1023", "--interval", "5"});
+    ASSERT_TRUE(movie.options) << movie.error;
+    EXPECT_EQ(movie.options->mode, CliMode::Movie);
+    EXPECT_EQ(*movie.options->frames, 48u);
+    EXPECT_EQ(*movie.options->framesPerSecond, 24.0f);
+    EXPECT_EQ(*movie.options->rangeLocation, 0.2f);
+    EXPECT_EQ(*movie.options->rangeLength, 0.6f);
+    EXPECT_TRUE(movie.options->reverse);
+    EXPECT_EQ(*movie.options->codec, "rle ");
+    EXPECT_EQ(*movie.options->quality, 1023);
+    EXPECT_EQ(*movie.options->interval, 5.0f);
+
+    auto info = parse({"--info", "doc.plyra"});
+    ASSERT_TRUE(info.options);
+    EXPECT_EQ(info.options->mode, CliMode::Info);
+
+    auto warp = parse({"doc.plyra", "--time", "0.3", "--warp-field", "f.bin"});
+    ASSERT_TRUE(warp.options);
+    EXPECT_EQ(warp.options->mode, CliMode::WarpField);
+    EXPECT_EQ(warp.options->outputPath, "f.bin");
+
+    EXPECT_EQ(parse({"--help"}).options->mode, CliMode::Help);
+}
+
+TEST(CliOptions, UsageErrorsSayWhatIsWrong)
+{
+    const std::vector<std::pair<std::vector<std::string>, std::string>> cases{
+        {{}, "no document given"},
+        {{"doc.plyra", "--bogus"}, "unknown option --bogus"},
+        {{"doc.plyra", "--time"}, "--time needs a value"},
+        {{"doc.plyra", "--time", "half"}, "--time needs a number"},
+        {{"doc.plyra", "-o", "x.png"}, "the output must end in"},
+        {{"doc.plyra", "-o", "m.mov"}, "a movie needs --frames N"},
+        {{"doc.plyra", "-o", "m.mov", "--frames", "0"}, "--frames needs a whole number"},
+        {{"doc.plyra", "-o", "m.mov", "--frames", "-3"}, "--frames needs a whole number"},
+        {{"doc.plyra", "-o", "m.mov", "--frames", "4", "--quality", "2000"}, "--quality needs"},
+        {{"doc.plyra", "-o", "m.mov", "--frames", "4", "--codec", "h264x"}, "--codec needs"},
+        {{"doc.plyra", "-o", "m.mov", "--frames", "4", "--fps", "0"}, "--fps needs a number above 0"},
+        {{"doc.plyra", "-o", "m.mov", "--frames", "4", "--range", "0.5"}, "--range needs"},
+        {{"doc.plyra", "-o", "m.mov", "--frames", "4", "--time", "0.5"}, "--time is for a single frame"},
+        {{"doc.plyra", "-o", "f.jpg", "--frames", "4"}, "are for movies"},
+        {{"doc.plyra", "--size", "640"}, "--size needs"},
+        {{"doc.plyra", "--size", "0x480"}, "--size needs"},
+        {{"doc.plyra", "--interval", "nan"}, "--interval needs"},
+        {{"a.plyra", "b.plyra"}, "only one document"},
+        {{"doc.plyra", "--info", "-o", "x.jpg"}, "--info prints the document"},
+    };
+    for (const auto& [args, expected] : cases) {
+        const CliParseResult result = parseCliOptions(args);
+        EXPECT_FALSE(result.options) << expected;
+        EXPECT_NE(result.error.find(expected), std::string::npos) << result.error;
+        EXPECT_EQ(result.error.find('\n'), std::string::npos) << "one line: " << result.error;
+    }
+    EXPECT_NE(cliUsage().find("--warp-field"), std::string::npos);
+}
+
+} // namespace
+} // namespace plyra

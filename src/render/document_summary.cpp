@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: MIT
+#include "render/document_summary.h"
+
+#include "model/morph_document.h"
+
+#include <QJsonArray>
+#include <QJsonValue>
+
+namespace plyra {
+namespace {
+
+QJsonArray pointsArray(const std::vector<Point>& points)
+{
+    QJsonArray array;
+    for (const Point& p : points)
+        array.append(QJsonArray{static_cast<double>(p.x), static_cast<double>(p.y)});
+    return array;
+}
+
+QJsonValue indexOf(const std::vector<MorphLine::Ptr>& lines, const MorphLine::Ptr& line)
+{
+    if (!line)
+        return QJsonValue::Null;
+    for (std::size_t i = 0; i < lines.size(); ++i)
+        if (lines[i] == line)
+            return static_cast<qint64>(i);
+    return QJsonValue::Null;
+}
+
+QJsonObject lineSummary(const std::vector<MorphLine::Ptr>& lines, const MorphLine::Ptr& line)
+{
+    QJsonObject object;
+    object[QStringLiteral("startPoints")] = pointsArray(line->startPoints());
+    object[QStringLiteral("endPoints")] = pointsArray(line->endPoints());
+    object[QStringLiteral("startPointBeginMoveTime")] = static_cast<double>(line->startPointBeginMoveTime());
+    object[QStringLiteral("startPointStopMoveTime")] = static_cast<double>(line->startPointStopMoveTime());
+    object[QStringLiteral("endPointBeginMoveTime")] = static_cast<double>(line->endPointBeginMoveTime());
+    object[QStringLiteral("endPointStopMoveTime")] = static_cast<double>(line->endPointStopMoveTime());
+    object[QStringLiteral("dissolveStartTime")] = static_cast<double>(line->dissolveStartTime());
+    object[QStringLiteral("dissolveEndTime")] = static_cast<double>(line->dissolveEndTime());
+    object[QStringLiteral("attachedLineAtStart")] = indexOf(lines, line->attachedLineAtStart());
+    object[QStringLiteral("attachedLineAtEnd")] = indexOf(lines, line->attachedLineAtEnd());
+    return object;
+}
+
+QJsonObject imageSummary(const MorphDocument& document, unsigned track)
+{
+    const QString path = document.imageURLInTrack(track);
+    const std::optional<DisplayImage> image = document.imageInTrack(track);
+    QJsonObject object;
+    object[QStringLiteral("path")] = path.isEmpty() ? QJsonValue(QJsonValue::Null) : QJsonValue(path);
+    object[QStringLiteral("loaded")] = image.has_value();
+    object[QStringLiteral("width")] = image ? image->raster.width() : 0;
+    object[QStringLiteral("height")] = image ? image->raster.height() : 0;
+    object[QStringLiteral("aspectRatio")] = static_cast<double>(document.aspectRatioInTrack(track));
+    return object;
+}
+
+} // namespace
+
+QJsonObject documentSummary(const MorphDocument& document)
+{
+    QJsonObject summary;
+    summary[QStringLiteral("frameSize")] = QJsonArray{document.frameSize().width(), document.frameSize().height()};
+    summary[QStringLiteral("codecFormat")] = document.codecFormat();
+    summary[QStringLiteral("codecQuality")] = document.codecQuality();
+    if (const LineColor::Ptr& color = document.storedLineColor())
+        summary[QStringLiteral("lineColor")] = QJsonArray{static_cast<double>(color->red),
+            static_cast<double>(color->green), static_cast<double>(color->blue), static_cast<double>(color->alpha)};
+    else
+        summary[QStringLiteral("lineColor")] = QJsonValue::Null;
+    summary[QStringLiteral("images")] = QJsonArray{imageSummary(document, 0), imageSummary(document, 1)};
+    QJsonArray lines;
+    for (const MorphLine::Ptr& line : document.morphLines())
+        lines.append(lineSummary(document.morphLines(), line));
+    summary[QStringLiteral("lines")] = lines;
+    return summary;
+}
+
+} // namespace plyra

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/image/bitmap.h"
+
+#include <QImage>
+#include <QString>
+
+namespace plyra {
+
+/// JPEG quality of saved frames (a compression factor of 0.95).
+inline constexpr int kFrameJpegQuality = 95;
+
+/// A rendered frame as a QImage (top row first, premultiplied RGBA), for showing and
+/// saving.
+QImage imageFromBitmap(const Bitmap& bitmap);
+
+/// Writes the frame as a JPEG file at quality 95. The file appears only once it is
+/// complete; false, with the reason, when there is no frame or it cannot be written.
+bool saveFrameAsJpeg(const Bitmap& bitmap, const QString& path, QString* error = nullptr);
+
+} // namespace plyra

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+#include "render/frame_render_controller.h"
+
+#include "engine/image_conversion.h"
+#include "render/frame_output.h"
+
+#include <cmath>
+
+namespace plyra {
+
+FrameRenderController::FrameRenderController(MorphDocument& document)
+    : RenderController(document)
+{
+    setTime(0.5f);
+    settings().setNumberOfFrames(1);
+    settings().setSizeToView(true);
+}
+
+bool FrameRenderController::setTime(float time)
+{
+    if (!(std::fabs(time - this->time()) > 0.001f))
+        return false;
+    settings().setTimeRange({time, 0.0f});
+    return true;
+}
+
+std::vector<MorphCalculationJob::Ptr> FrameRenderController::newMorphJobs()
+{
+    const FrameSize size = frameSize();
+    return {MorphCalculationJob::create(time(), Size{size.width, size.height}, interpolationFactor())};
+}
+
+void FrameRenderController::consumeFinishedJobs()
+{
+    if (jobs().empty() || !jobs().back()->isDone())
+        return;
+    m_bitmap = bitmapFromImage(jobs().back()->outputImage());
+    jobs().pop_back();
+}
+
+bool FrameRenderController::saveRenderedFrame(const QString& path, QString* error) const
+{
+    if (!m_bitmap) {
+        if (error)
+            *error = QStringLiteral("no frame has been rendered");
+        return false;
+    }
+    return saveFrameAsJpeg(*m_bitmap, path, error);
+}
+
+} // namespace plyra

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "engine/morph_calculation_job.h"
+#include "engine/morpher.h"
+#include "render/render_settings.h"
+
+#include <deque>
+#include <optional>
+#include <vector>
+
+namespace plyra {
+
+class MorphDocument;
+
+/// Turns a document and render settings into frame jobs on a fresh morpher, and polls
+/// them without ever waiting: the common core of the frame, preview and movie renders,
+/// shared by the render windows and plyra-render. Subclasses say what a job list looks
+/// like and what to do with each finished job.
+/// Threads: main thread; the jobs are computed on the morpher's workers.
+class RenderController {
+public:
+    using JobList = std::deque<MorphCalculationJob::Ptr>;
+
+    explicit RenderController(MorphDocument& document);
+    virtual ~RenderController();
+    RenderController(const RenderController&) = delete;
+    RenderController& operator=(const RenderController&) = delete;
+
+    MorphDocument& document() const { return m_document; }
+    RenderSettings& settings() { return m_settings; }
+    const RenderSettings& settings() const { return m_settings; }
+
+    /// The frame size; an unset size is first taken from the document's frame size.
+    FrameSize frameSize();
+    /// The grid spacing of new jobs: the given value, else the user default's rule.
+    void setInterpolationFactor(std::optional<float> factor) { m_interpolationFactor = factor; }
+    float interpolationFactor() const;
+
+    /// Starts a new render: the old morpher's queue is cleared, a new morpher takes the
+    /// document's images and copies of its lines and computes the new job list. False
+    /// (and nothing changes) when the document has no image at all.
+    virtual bool recalc();
+    /// Consumes finished jobs, then answers whether the render is over (no job left).
+    bool tick();
+    /// Stops rendering: the queued jobs are dropped and never computed.
+    void stop();
+
+    bool isRendering() const { return m_rendering; }
+    float progress() const;
+    const JobList& morphJobs() const { return m_morphJobs; }
+    const Morpher::Ptr& morpher() const { return m_morpher; }
+
+protected:
+    /// One job per frame time of the settings, first frame first.
+    virtual std::vector<MorphCalculationJob::Ptr> newMorphJobs();
+    /// Takes finished jobs off the front of morphJobs(); the base takes none.
+    virtual void consumeFinishedJobs() { }
+    JobList& jobs() { return m_morphJobs; }
+
+private:
+    MorphDocument& m_document;
+    RenderSettings m_settings;
+    std::optional<float> m_interpolationFactor;
+    Morpher::Ptr m_morpher;
+    JobList m_morphJobs;
+    bool m_rendering = false;
+};
+
+} // namespace plyra

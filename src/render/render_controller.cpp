@@ -31,13 +31,13 @@ float RenderController::interpolationFactor() const
 
 bool RenderController::recalc()
 {
-    const std::optional<RenderImage> first = m_document.ciimageInTrack(0);
-    const std::optional<RenderImage> last = m_document.ciimageInTrack(1);
+    const Image first = m_document.ciimageInTrack(0);
+    const Image last = m_document.ciimageInTrack(1);
     if (!first && !last)
         return false;
     if (m_morpher)
         m_morpher->clearJobQueue();
-    m_morpher = Morpher::create(first.value_or(Image()), last.value_or(Image()), m_document.morphLines());
+    m_morpher = Morpher::create(first, last, m_document.morphLines());
     const std::vector<MorphCalculationJob::Ptr> jobs = newMorphJobs();
     m_morphJobs.assign(jobs.begin(), jobs.end());
     m_morpher->runMorphCalculationJobs(jobs);

@@ -1,0 +1,263 @@
+// SPDX-License-Identifier: MIT
+#include "model/tiff_io.h"
+
+#include "platform/log.h"
+
+#include <QCoreApplication>
+#include <QFile>
+
+#include <tiffio.h>
+
+#include <cstdarg>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+namespace plyra {
+namespace {
+
+// Larger images than this (a gigabyte of RGBA) are refused rather than allocated.
+constexpr std::uint64_t kMaxPixels = std::uint64_t(1) << 28;
+
+QString tiffText(const char* text)
+{
+    return QCoreApplication::translate("TiffIo", text);
+}
+
+/// Collects libtiff's messages about one file, so that they reach the caller's error
+/// string instead of standard error.
+class TiffMessages {
+public:
+    TiffMessages()
+        : m_options(TIFFOpenOptionsAlloc())
+    {
+        TIFFOpenOptionsSetErrorHandlerExtR(m_options, &TiffMessages::onError, this);
+        TIFFOpenOptionsSetWarningHandlerExtR(m_options, &TiffMessages::onWarning, this);
+    }
+    ~TiffMessages() { TIFFOpenOptionsFree(m_options); }
+    TiffMessages(const TiffMessages&) = delete;
+    TiffMessages& operator=(const TiffMessages&) = delete;
+
+    TIFFOpenOptions* options() const { return m_options; }
+    const QString& lastError() const { return m_lastError; }
+
+private:
+    static int onError(TIFF*, void* self, const char*, const char* format, va_list args)
+    {
+        static_cast<TiffMessages*>(self)->m_lastError = QString::fromStdString(formatStringV(format, args));
+        return 1;
+    }
+    // Warnings (unknown tags and the like) say nothing about whether the pixels are good.
+    static int onWarning(TIFF*, void*, const char*, const char*, va_list) { return 1; }
+
+    TIFFOpenOptions* m_options;
+    QString m_lastError;
+};
+
+struct TiffCloser {
+    void operator()(TIFF* tiff) const { TIFFClose(tiff); }
+};
+using TiffFile = std::unique_ptr<TIFF, TiffCloser>;
+
+TiffFile openTiff(const QString& path, const char* mode, const TiffMessages& messages)
+{
+    return TiffFile(TIFFOpenExt(QFile::encodeName(path).constData(), mode, messages.options()));
+}
+
+bool fail(QString* error, const QString& message)
+{
+    if (error)
+        *error = message;
+    return false;
+}
+
+QString describe(const QString& what, const QString& path, const TiffMessages& messages)
+{
+    QString text = what.arg(path);
+    if (!messages.lastError().isEmpty())
+        text += QStringLiteral(" (") + messages.lastError() + QLatin1Char(')');
+    return text;
+}
+
+// ---- writing -----------------------------------------------------------------------
+
+/// The pixels to store and how the file describes them.
+struct StoredLayout {
+    QImage pixels;
+    std::uint16_t samples;
+    std::uint16_t alphaKind; // 0 without alpha, else an EXTRASAMPLE_ value
+};
+
+StoredLayout storedLayout(const QImage& image)
+{
+    if (!image.hasAlphaChannel())
+        return {image.convertToFormat(QImage::Format_RGB888), 3, 0};
+    if (image.pixelFormat().premultiplied() == QPixelFormat::Premultiplied)
+        return {image.convertToFormat(QImage::Format_RGBA8888_Premultiplied), 4, EXTRASAMPLE_ASSOCALPHA};
+    return {image.convertToFormat(QImage::Format_RGBA8888), 4, EXTRASAMPLE_UNASSALPHA};
+}
+
+void setTags(TIFF* tiff, const StoredLayout& layout)
+{
+    const auto width = static_cast<std::uint32_t>(layout.pixels.width());
+    const auto height = static_cast<std::uint32_t>(layout.pixels.height());
+    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, width);
+    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, height);
+    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8);
+    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, int(layout.samples));
+    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB);
+    TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+    TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_PACKBITS);
+    TIFFSetField(tiff, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT);
+    TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, TIFFDefaultStripSize(tiff, 0));
+    TIFFSetField(tiff, TIFFTAG_XRESOLUTION, 72.0);
+    TIFFSetField(tiff, TIFFTAG_YRESOLUTION, 72.0);
+    TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
+    if (layout.alphaKind != 0) {
+        std::uint16_t kind = layout.alphaKind;
+        TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &kind);
+    }
+}
+
+bool writeRows(TIFF* tiff, const StoredLayout& layout)
+{
+    const auto rowBytes = static_cast<std::size_t>(layout.pixels.width()) * layout.samples;
+    // libtiff may encode in place, so each row goes through a scratch copy.
+    std::vector<unsigned char> row(rowBytes);
+    for (int y = 0; y < layout.pixels.height(); ++y) {
+        std::memcpy(row.data(), layout.pixels.constScanLine(y), rowBytes);
+        if (TIFFWriteScanline(tiff, row.data(), static_cast<std::uint32_t>(y), 0) < 0)
+            return false;
+    }
+    return TIFFWriteDirectory(tiff) != 0;
+}
+
+// ---- reading -----------------------------------------------------------------------
+
+/// What the first directory says about the pixels.
+struct TiffHeader {
+    std::uint32_t width = 0;
+    std::uint32_t height = 0;
+    std::uint16_t bitsPerSample = 1;
+    std::uint16_t samples = 1;
+    std::uint16_t photometric = 0;
+    std::uint16_t planar = PLANARCONFIG_CONTIG;
+    std::uint16_t orientation = ORIENTATION_TOPLEFT;
+    std::uint16_t extraCount = 0;
+    std::uint16_t firstExtra = EXTRASAMPLE_UNSPECIFIED;
+    bool tiled = false;
+};
+
+bool readHeader(TIFF* tiff, TiffHeader& header)
+{
+    if (!TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &header.width)
+        || !TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &header.height))
+        return false;
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_BITSPERSAMPLE, &header.bitsPerSample);
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_SAMPLESPERPIXEL, &header.samples);
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_PLANARCONFIG, &header.planar);
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_ORIENTATION, &header.orientation);
+    TIFFGetField(tiff, TIFFTAG_PHOTOMETRIC, &header.photometric);
+    std::uint16_t* extras = nullptr;
+    if (TIFFGetFieldDefaulted(tiff, TIFFTAG_EXTRASAMPLES, &header.extraCount, &extras) && header.extraCount > 0 && extras)
+        header.firstExtra = extras[0];
+    header.tiled = TIFFIsTiled(tiff) != 0;
+    return true;
+}
+
+// The layout this program writes, which is read row by row exactly as stored.
+bool isPlainRgb(const TiffHeader& h)
+{
+    const bool rgb = h.samples == 3 && h.extraCount == 0;
+    const bool rgba = h.samples == 4 && h.extraCount == 1;
+    return h.bitsPerSample == 8 && h.photometric == PHOTOMETRIC_RGB && h.planar == PLANARCONFIG_CONTIG
+        && !h.tiled && h.orientation == ORIENTATION_TOPLEFT && (rgb || rgba);
+}
+
+std::optional<QImage> readPlainRgb(TIFF* tiff, const TiffHeader& h)
+{
+    QImage::Format format = QImage::Format_RGB888;
+    if (h.samples == 4)
+        format = h.firstExtra == EXTRASAMPLE_ASSOCALPHA ? QImage::Format_RGBA8888_Premultiplied : QImage::Format_RGBA8888;
+    QImage image(static_cast<int>(h.width), static_cast<int>(h.height), format);
+    if (image.isNull() || TIFFScanlineSize64(tiff) != std::uint64_t(h.width) * h.samples)
+        return std::nullopt;
+    for (std::uint32_t y = 0; y < h.height; ++y)
+        if (TIFFReadScanline(tiff, image.scanLine(static_cast<int>(y)), y, 0) < 0)
+            return std::nullopt;
+    return image;
+}
+
+std::optional<QImage> readConverted(TIFF* tiff, const TiffHeader& h)
+{
+    std::vector<std::uint32_t> raster(std::size_t(h.width) * h.height);
+    if (!TIFFReadRGBAImageOriented(tiff, h.width, h.height, raster.data(), ORIENTATION_TOPLEFT, 0))
+        return std::nullopt;
+    QImage image(static_cast<int>(h.width), static_cast<int>(h.height), QImage::Format_RGBA8888_Premultiplied);
+    if (image.isNull())
+        return std::nullopt;
+    const std::uint32_t* source = raster.data();
+    for (int y = 0; y < image.height(); ++y) {
+        uchar* line = image.scanLine(y);
+        for (int x = 0; x < image.width(); ++x, ++source, line += 4) {
+            line[0] = static_cast<uchar>(TIFFGetR(*source));
+            line[1] = static_cast<uchar>(TIFFGetG(*source));
+            line[2] = static_cast<uchar>(TIFFGetB(*source));
+            line[3] = static_cast<uchar>(TIFFGetA(*source));
+        }
+    }
+    return image;
+}
+
+} // namespace
+
+bool TiffIo::write(const QImage& image, const QString& path, QString* error)
+{
+    if (image.isNull())
+        return fail(error, tiffText("There is no image to write to “%1”.").arg(path));
+    const StoredLayout layout = storedLayout(image);
+    if (layout.pixels.isNull())
+        return fail(error, tiffText("The image for “%1” could not be converted to 8-bit RGB.").arg(path));
+    TiffMessages messages;
+    TiffFile tiff = openTiff(path, "w", messages);
+    if (!tiff)
+        return fail(error, describe(tiffText("Could not create the TIFF file “%1”."), path, messages));
+    setTags(tiff.get(), layout);
+    const bool written = writeRows(tiff.get(), layout);
+    tiff.reset();
+    if (!written) {
+        QFile::remove(path);
+        return fail(error, describe(tiffText("Could not write the TIFF file “%1”."), path, messages));
+    }
+    return true;
+}
+
+std::optional<QImage> TiffIo::read(const QString& path, QString* error)
+{
+    TiffMessages messages;
+    TiffFile tiff = openTiff(path, "r", messages);
+    if (!tiff) {
+        fail(error, describe(tiffText("“%1” is not a readable TIFF file."), path, messages));
+        return std::nullopt;
+    }
+    TiffHeader header;
+    if (!readHeader(tiff.get(), header) || header.width == 0 || header.height == 0) {
+        fail(error, describe(tiffText("“%1” has no image size."), path, messages));
+        return std::nullopt;
+    }
+    if (std::uint64_t(header.width) * header.height > kMaxPixels || header.width > INT32_MAX / 4) {
+        fail(error, tiffText("“%1” is too large to load (%2 × %3 pixels).").arg(path).arg(header.width).arg(header.height));
+        return std::nullopt;
+    }
+    std::optional<QImage> image = isPlainRgb(header) ? readPlainRgb(tiff.get(), header) : readConverted(tiff.get(), header);
+    if (!image)
+        fail(error, describe(tiffText("The pixels of “%1” could not be read."), path, messages));
+    return image;
+}
+
+bool TiffIo::hasTiffSignature(const QByteArray& bytes)
+{
+    return bytes.startsWith(QByteArrayLiteral("II*\0")) || bytes.startsWith(QByteArrayLiteral("MM\0*"));
+}
+
+} // namespace plyra

@@ -1,0 +1,259 @@
+// SPDX-License-Identifier: MIT
+#include "model/document_package.h"
+
+#include "model/morph_document.h"
+#include "model/staged_directory.h"
+#include "model/tiff_io.h"
+#include "platform/log.h"
+#include "platform/plist/xml_plist.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+
+#include <algorithm>
+#include <cstdint>
+#include <vector>
+
+namespace plyra {
+namespace {
+
+constexpr const char* kFirstImagePath = "firstImagePath";
+constexpr const char* kLastImagePath = "lastImagePath";
+constexpr const char* kFrameWidth = "frameWidth";
+constexpr const char* kFrameHeight = "frameHeight";
+constexpr const char* kCodecFormat = "codecFormat";
+constexpr const char* kCodecQuality = "codecQuality";
+constexpr const char* kLineColorData = "lineColorData";
+constexpr const char* kMorphLines = "morphLines";
+
+QString packageText(const char* source)
+{
+    return QCoreApplication::translate("DocumentPackage", source);
+}
+
+std::string localPath(const QString& path)
+{
+    return QFile::encodeName(path).toStdString();
+}
+
+bool fail(QString* error, const QString& message)
+{
+    if (error)
+        *error = message;
+    return false;
+}
+
+// ---- writing -------------------------------------------------------------------------
+
+/// One image file of the package, named as "info.plist" records it.
+struct PackageImage {
+    QString fileName;
+    DisplayImage image;
+};
+
+/// Everything a package holds, gathered before anything is written.
+struct PackageContents {
+    PropertyList::Dictionary info;
+    std::vector<PackageImage> images;
+};
+
+QString imageFileName(unsigned track, bool pdf)
+{
+    return QStringLiteral("Image_%1.%2").arg(track).arg(pdf ? QLatin1String("pdf") : QLatin1String("tiff"));
+}
+
+// A track without an image still records its TIFF name; no file is written for it.
+void collectImages(const MorphDocument& document, PackageContents& contents)
+{
+    const char* const pathKeys[2] = {kFirstImagePath, kLastImagePath};
+    for (unsigned track = 0; track < 2; ++track) {
+        std::optional<DisplayImage> image = document.imageInTrack(track);
+        const QString name = imageFileName(track, image && image->isPdf());
+        contents.info[pathKeys[track]] = name.toStdString();
+        if (image)
+            contents.images.push_back({name, std::move(*image)});
+    }
+}
+
+PackageContents collect(const MorphDocument& document)
+{
+    PackageContents contents;
+    PropertyList::Array lines;
+    for (const MorphLine::Ptr& line : document.morphLines())
+        lines.push_back(line->pList());
+    contents.info[kMorphLines] = std::move(lines);
+    collectImages(document, contents);
+    // The frame size is two floats, written as reals.
+    contents.info[kFrameWidth] = static_cast<double>(static_cast<float>(document.frameSize().width()));
+    contents.info[kFrameHeight] = static_cast<double>(static_cast<float>(document.frameSize().height()));
+    contents.info[kCodecFormat] = document.codecFormat().toStdString();
+    contents.info[kCodecQuality] = static_cast<std::int64_t>(document.codecQuality());
+    if (const LineColor::Ptr& color = document.storedLineColor()) {
+        std::vector<std::uint8_t> archive = color->archive();
+        if (!archive.empty())
+            contents.info[kLineColorData] = PropertyList::Data(std::move(archive));
+    }
+    return contents;
+}
+
+bool writeBytes(const QByteArray& bytes, const QString& path, QString* reason)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(bytes) != bytes.size() || !file.flush()) {
+        *reason = file.errorString();
+        return false;
+    }
+    return true;
+}
+
+bool writeDictionary(const PackageContents& contents, const StagedDirectory& staged, QString* error)
+{
+    std::string reason;
+    const QString target = staged.stagingFilePath(QLatin1String(DocumentPackage::kInfoFileName));
+    if (staged.isValid() && writeXmlPropertyListFile(PropertyList(contents.info), localPath(target), &reason))
+        return true;
+    const QString finalPath = QDir(staged.finalPath()).filePath(QLatin1String(DocumentPackage::kInfoFileName));
+    logLine(formatString("Plyra could not save dictionary at %s", localPath(finalPath).c_str()));
+    if (!staged.isValid())
+        return fail(error, staged.errorString());
+    return fail(error, packageText("Could not save “%1”: %2").arg(finalPath, QString::fromStdString(reason)));
+}
+
+bool writeImage(const PackageImage& entry, const StagedDirectory& staged, QString* error)
+{
+    const QString target = staged.stagingFilePath(entry.fileName);
+    QString reason;
+    const bool written = entry.image.isPdf() ? writeBytes(entry.image.pdfData, target, &reason)
+                                             : TiffIo::write(entry.image.raster, target, &reason);
+    if (written)
+        return true;
+    const QString finalPath = QDir(staged.finalPath()).filePath(entry.fileName);
+    logLine(formatString("Failed to write image %s", localPath(finalPath).c_str()));
+    return fail(error, packageText("Could not save the image “%1”: %2").arg(finalPath, reason));
+}
+
+// ---- reading -------------------------------------------------------------------------
+
+/// Keeps undo registration off while a package is read, so that a freshly read
+/// document has no undo steps.
+class UndoSuspension {
+public:
+    explicit UndoSuspension(UndoManager& undo)
+        : m_undo(undo)
+    {
+        m_undo.disableUndoRegistration();
+    }
+    ~UndoSuspension() { m_undo.enableUndoRegistration(); }
+    UndoSuspension(const UndoSuspension&) = delete;
+    UndoSuspension& operator=(const UndoSuspension&) = delete;
+
+private:
+    UndoManager& m_undo;
+};
+
+// A path beginning with "/" is used unchanged, any other is taken inside the package.
+// Empty when the entry is missing, empty or not a string.
+QString imagePath(const PropertyList& info, const char* key, const QString& packagePath)
+{
+    const PropertyList* value = info.find(key);
+    const std::string* text = value ? value->string() : nullptr;
+    if (!text || text->empty())
+        return {};
+    const QString path = QString::fromStdString(*text);
+    return path.startsWith(QLatin1Char('/')) ? path : packagePath + QLatin1Char('/') + path;
+}
+
+void readImages(MorphDocument& document, const PropertyList& info, const QString& packagePath)
+{
+    const char* const pathKeys[2] = {kFirstImagePath, kLastImagePath};
+    for (unsigned track = 0; track < 2; ++track) {
+        const QString path = imagePath(info, pathKeys[track], packagePath);
+        if (!path.isEmpty())
+            document.setImageFromURL(path, track);
+    }
+}
+
+// The stored reals are read as integers: the fraction is dropped.
+void readFrameSize(MorphDocument& document, const PropertyList& info)
+{
+    QSizeF size = document.frameSize();
+    if (const PropertyList* width = info.find(kFrameWidth); width && width->isNumber())
+        size.setWidth(static_cast<double>(width->integerValue()));
+    if (const PropertyList* height = info.find(kFrameHeight); height && height->isNumber())
+        size.setHeight(static_cast<double>(height->integerValue()));
+    document.setFrameSize(size);
+}
+
+void readCodecSettings(MorphDocument& document, const PropertyList& info)
+{
+    if (const PropertyList* format = info.find(kCodecFormat); format && format->string())
+        document.setCodecFormat(QString::fromStdString(*format->string()));
+    if (const PropertyList* quality = info.find(kCodecQuality); quality && quality->isNumber()) {
+        const std::int64_t value = quality->integerValue();
+        document.setCodecQuality(static_cast<int>(std::clamp<std::int64_t>(value, INT32_MIN, INT32_MAX)));
+    }
+}
+
+void readLineColor(MorphDocument& document, const PropertyList& info)
+{
+    const PropertyList* value = info.find(kLineColorData);
+    if (!value)
+        return;
+    LineColor::Ptr color;
+    if (const PropertyList::Data* archive = value->data())
+        color = LineColor::fromArchive(*archive);
+    if (!color) {
+        logLine("Failed to read line colour data");
+        return;
+    }
+    document.restoreLineColor(color);
+}
+
+// Each line goes through the joining rule, which restores the connections that the
+// file does not store.
+void readLines(MorphDocument& document, const PropertyList& info)
+{
+    const PropertyList* lines = info.find(kMorphLines);
+    if (!lines || !lines->array())
+        return;
+    for (const PropertyList& entry : *lines->array())
+        if (MorphLine::Ptr line = MorphLine::fromValues(entry))
+            document.addMorphLine(line);
+}
+
+} // namespace
+
+bool DocumentPackage::read(MorphDocument& document, const QString& packagePath, QString* error)
+{
+    UndoSuspension suspended(document.undoManager());
+    const QString infoPath = QDir(packagePath).filePath(QLatin1String(kInfoFileName));
+    std::string reason;
+    const std::optional<PropertyList> info = readPropertyListFile(localPath(infoPath), &reason);
+    if (!info)
+        return fail(error, packageText("The document “%1” could not be read: “%2” is missing or damaged (%3).")
+                               .arg(packagePath, QLatin1String(kInfoFileName), QString::fromStdString(reason)));
+    if (!info->isDictionary())
+        return fail(error, packageText("The document “%1” could not be read: “%2” does not hold a dictionary.")
+                               .arg(packagePath, QLatin1String(kInfoFileName)));
+    readImages(document, *info, packagePath);
+    readFrameSize(document, *info);
+    readCodecSettings(document, *info);
+    readLineColor(document, *info);
+    readLines(document, *info);
+    return true;
+}
+
+bool DocumentPackage::write(const MorphDocument& document, const QString& packagePath, QString* error)
+{
+    const PackageContents contents = collect(document);
+    StagedDirectory staged(packagePath);
+    if (!writeDictionary(contents, staged, error))
+        return false;
+    for (const PackageImage& entry : contents.images)
+        if (!writeImage(entry, staged, error))
+            return false;
+    return staged.commit(error);
+}
+
+} // namespace plyra

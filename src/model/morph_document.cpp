@@ -1,0 +1,273 @@
+// SPDX-License-Identifier: MIT
+#include "model/morph_document.h"
+
+#include "model/document_package.h"
+#include "platform/notification_center.h"
+#include "platform/qt/user_defaults.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <cassert>
+#include <cmath>
+#include <limits>
+
+namespace plyra {
+namespace {
+
+constexpr double kJoinDistance = 0.0001;
+constexpr int kDefaultCodecQuality = 768;
+
+// Ends meet when they lie closer than kJoinDistance on both tracks.
+bool endsMeet(Point a0, Point b0, Point a1, Point b1)
+{
+    auto distance = [](Point a, Point b) {
+        const float dx = a.x - b.x;
+        const float dy = a.y - b.y;
+        return static_cast<double>(std::sqrt(dx * dx + dy * dy));
+    };
+    return distance(a0, b0) < kJoinDistance && distance(a1, b1) < kJoinDistance;
+}
+
+int clampToInt(qint64 value)
+{
+    return static_cast<int>(std::clamp<qint64>(value, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
+}
+
+} // namespace
+
+MorphDocument::MorphDocument()
+{
+    m_morphLines.reserve(20);
+    m_selectedLines.reserve(20);
+    // New documents start with the codec settings the user chose last.
+    const UserDefaults& defaults = UserDefaults::standard();
+    const QString format = defaults.string(QStringLiteral("codecFormat"));
+    setCodecFormat(format.isEmpty() ? QStringLiteral("mp4v") : format);
+    const qint64 quality = defaults.integer(QStringLiteral("codecQuality"));
+    setCodecQuality(quality != 0 ? clampToInt(quality) : kDefaultCodecQuality);
+}
+
+MorphDocument::~MorphDocument()
+{
+    m_undoManager.removeAllActionsWithTarget(this);
+}
+
+// ---- lines ---------------------------------------------------------------------------
+
+void MorphDocument::insertObjectInMorphLinesAtIndex(const MorphLine::Ptr& line, std::size_t index)
+{
+    assert(line && index <= m_morphLines.size());
+    assert(std::find(m_morphLines.begin(), m_morphLines.end(), line) == m_morphLines.end());
+    index = std::min(index, m_morphLines.size());
+    joinToCoincidingLine(line);
+    m_morphLines.insert(m_morphLines.begin() + static_cast<std::ptrdiff_t>(index), line);
+    // The name replaces "Connect line" from the join: both are one step.
+    registerUndo([this, line] { deleteMorphLine(line); }, QT_TRANSLATE_NOOP("MorphDocument", "New Line"));
+    postObjectsUpdated();
+}
+
+void MorphDocument::joinToCoincidingLine(const MorphLine::Ptr& line)
+{
+    const Point start0 = line->startPointAtTime(0.0f);
+    const Point start1 = line->startPointAtTime(1.0f);
+    const Point end0 = line->endPointAtTime(0.0f);
+    const Point end1 = line->endPointAtTime(1.0f);
+    // One join at most: the first line in list order wins, its start before its end.
+    // The chain checks keep chains open.
+    for (const MorphLine::Ptr& other : m_morphLines) {
+        if (!other->attachedLineAtStart()
+            && endsMeet(end0, other->startPointAtTime(0.0f), end1, other->startPointAtTime(1.0f))
+            && !other->isLineAttachedAscending(line.get())) {
+            other->attachLineAtStart(line, &m_undoManager);
+            return;
+        }
+        if (!other->attachedLineAtEnd()
+            && endsMeet(start0, other->endPointAtTime(0.0f), start1, other->endPointAtTime(1.0f))
+            && !other->isLineAttachedDescending(line.get())) {
+            other->attachLineAtEnd(line, &m_undoManager);
+            return;
+        }
+    }
+}
+
+void MorphDocument::addMorphLine(const MorphLine::Ptr& line)
+{
+    insertObjectInMorphLinesAtIndex(line, m_morphLines.size());
+}
+
+void MorphDocument::removeObjectFromMorphLinesAtIndex(std::size_t index)
+{
+    assert(index < m_morphLines.size());
+    if (index >= m_morphLines.size())
+        return;
+    const MorphLine::Ptr line = m_morphLines[index];
+    // No remaining line may refer to it.
+    line->disconnectLineAtStart(&m_undoManager);
+    line->disconnectLineAtEnd(&m_undoManager);
+    m_morphLines.erase(m_morphLines.begin() + static_cast<std::ptrdiff_t>(index));
+    registerUndo([this, line, index] { insertObjectInMorphLinesAtIndex(line, index); },
+        QT_TRANSLATE_NOOP("MorphDocument", "Delete Line"));
+    postObjectsUpdated();
+    deselectLine(line);
+}
+
+void MorphDocument::deleteMorphLine(const MorphLine::Ptr& line)
+{
+    const auto it = std::find(m_morphLines.begin(), m_morphLines.end(), line);
+    if (it != m_morphLines.end())
+        removeObjectFromMorphLinesAtIndex(static_cast<std::size_t>(it - m_morphLines.begin()));
+}
+
+// ---- selection -----------------------------------------------------------------------
+
+bool MorphDocument::isLineSelected(const MorphLine* line) const
+{
+    return std::any_of(m_selectedLines.begin(), m_selectedLines.end(),
+        [line](const MorphLine::Ptr& selected) { return selected.get() == line; });
+}
+
+void MorphDocument::insertObjectInSelectedLinesAtIndex(const MorphLine::Ptr& line, std::size_t index)
+{
+    if (!line || isLineSelected(line.get()))
+        return;
+    index = std::min(index, m_selectedLines.size());
+    m_selectedLines.insert(m_selectedLines.begin() + static_cast<std::ptrdiff_t>(index), line);
+    // Undone by the line rather than by the index: redoing a deletion deselects the line
+    // before this runs, and an index would then name another line.
+    registerUndo([this, line] { deselectLine(line); });
+    postSelectionUpdated();
+}
+
+void MorphDocument::removeObjectFromSelectedLinesAtIndex(std::size_t index)
+{
+    if (index >= m_selectedLines.size())
+        return;
+    const MorphLine::Ptr line = m_selectedLines[index];
+    registerUndo([this, line, index] { insertObjectInSelectedLinesAtIndex(line, index); });
+    m_selectedLines.erase(m_selectedLines.begin() + static_cast<std::ptrdiff_t>(index));
+    postSelectionUpdated();
+}
+
+void MorphDocument::deselectLine(const MorphLine::Ptr& line)
+{
+    const auto it = std::find(m_selectedLines.begin(), m_selectedLines.end(), line);
+    if (it != m_selectedLines.end())
+        removeObjectFromSelectedLinesAtIndex(static_cast<std::size_t>(it - m_selectedLines.begin()));
+}
+
+// ---- images --------------------------------------------------------------------------
+
+void MorphDocument::setImageFromURL(const QString& path, unsigned track)
+{
+    TrackImage& image = trackFor(track);
+    const QString oldPath = image.location();
+    image.setLocation(path);
+    const std::optional<DisplayImage> loaded = image.displayImage();
+    if (loaded && loaded->size().height() > 0.0)
+        image.setAspectRatio(static_cast<float>(loaded->size().width()) / static_cast<float>(loaded->size().height()));
+    const bool frameSizeUnset = m_frameSize.width() < 1.0 || m_frameSize.height() < 1.0;
+    if (frameSizeUnset && !path.isEmpty() && loaded)
+        setFrameSize(loaded->size());
+    registerUndo([this, oldPath, track] { setImageFromURL(oldPath, track); },
+        QT_TRANSLATE_NOOP("MorphDocument", "Set Image"));
+    postObjectsUpdated();
+}
+
+QString MorphDocument::imageURLInTrack(unsigned track) const
+{
+    return trackFor(track).location();
+}
+
+std::optional<DisplayImage> MorphDocument::imageInTrack(unsigned track) const
+{
+    return trackFor(track).displayImage();
+}
+
+Image MorphDocument::ciimageInTrack(unsigned track) const
+{
+    return trackFor(track).renderImage();
+}
+
+float MorphDocument::aspectRatioInTrack(unsigned track) const
+{
+    const float own = m_tracks[track == 1 ? 1 : 0].aspectRatio();
+    if (own != 0.0f)
+        return own;
+    const float other = m_tracks[track == 1 ? 0 : 1].aspectRatio();
+    return other != 0.0f ? other : 1.0f;
+}
+
+// ---- settings ------------------------------------------------------------------------
+
+LineColor::Ptr MorphDocument::lineColor() const
+{
+    return m_lineColor ? m_lineColor : LineColor::defaultColor();
+}
+
+void MorphDocument::setLineColor(const LineColor::Ptr& color)
+{
+    if (color == m_lineColor)
+        return;
+    const LineColor::Ptr old = m_lineColor;
+    registerUndo([this, old] { setLineColor(old); }, QT_TRANSLATE_NOOP("MorphDocument", "Change colour"));
+    m_lineColor = color;
+    // Only drawing depends on the colour, not rendered frames.
+    postSelectionUpdated();
+}
+
+void MorphDocument::setFrameSize(const QSizeF& size)
+{
+    const QSizeF old = m_frameSize;
+    registerUndo([this, old] { setFrameSize(old); });
+    m_frameSize = size;
+}
+
+void MorphDocument::setCodecFormat(const QString& format)
+{
+    if (format == m_codecFormat)
+        return;
+    m_codecFormat = format;
+    postObjectsUpdated();
+}
+
+void MorphDocument::setCodecQuality(int quality)
+{
+    if (quality == m_codecQuality)
+        return;
+    m_codecQuality = quality;
+    postObjectsUpdated();
+}
+
+// ---- package -------------------------------------------------------------------------
+
+bool MorphDocument::readFromFile(const QString& path, QString* error)
+{
+    return DocumentPackage::read(*this, path, error);
+}
+
+bool MorphDocument::writeToFile(const QString& path, QString* error) const
+{
+    return DocumentPackage::write(*this, path, error);
+}
+
+// ---- undo and notifications ----------------------------------------------------------
+
+void MorphDocument::registerUndo(std::function<void()> action, const char* actionName)
+{
+    m_undoManager.registerUndo(this, std::move(action));
+    if (actionName)
+        m_undoManager.setActionName(QCoreApplication::translate("MorphDocument", actionName).toStdString());
+}
+
+void MorphDocument::postObjectsUpdated()
+{
+    NotificationQueue::defaultQueue().enqueueAsSoonAsPossible({kObjectsUpdatedNotification, this});
+}
+
+void MorphDocument::postSelectionUpdated()
+{
+    NotificationQueue::defaultQueue().enqueueAsSoonAsPossible({kSelectionUpdatedNotification, this});
+}
+
+} // namespace plyra

@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "model/display_image.h"
+#include "model/line_color.h"
+#include "model/morph_line.h"
+#include "model/track_image.h"
+#include "platform/undo_manager.h"
+
+#include <QSizeF>
+#include <QString>
+
+#include <array>
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <vector>
+
+namespace plyra {
+
+/// The name of the notification posted when the selection or the line colour changes
+/// (only drawing is stale).
+inline constexpr const char* kSelectionUpdatedNotification = "selectionUpdated";
+
+/// The morph document: the two track images by location, the lines and their
+/// selection, the colour lines are drawn in, the output frame size and the movie codec
+/// settings. Every edit of lines, selection, images and colour registers its inverse
+/// with the document's undo manager and posts "objectsUpdated" or "selectionUpdated",
+/// coalesced per pass of the main run loop, with the document as object.
+/// Threads: main thread only. The frame engine gets rendering images and copies of the
+/// lines, never the document.
+class MorphDocument {
+public:
+    MorphDocument();
+    ~MorphDocument();
+    MorphDocument(const MorphDocument&) = delete;
+    MorphDocument& operator=(const MorphDocument&) = delete;
+
+    UndoManager& undoManager() { return m_undoManager; }
+
+    // ---- lines and selection ----
+    const std::vector<MorphLine::Ptr>& morphLines() const { return m_morphLines; }
+    /// Joins the line to the first line whose free end coincides with one of its ends
+    /// (at both tracks), inserts it, and registers "New Line".
+    void insertObjectInMorphLinesAtIndex(const MorphLine::Ptr& line, std::size_t index);
+    void addMorphLine(const MorphLine::Ptr& line);
+    /// Cuts the line out of its chain, removes it and deselects it; "Delete Line".
+    /// Undoing brings back its index, its selection and its joins.
+    void removeObjectFromMorphLinesAtIndex(std::size_t index);
+    /// Does nothing for a line that is not in the document.
+    void deleteMorphLine(const MorphLine::Ptr& line);
+
+    const std::vector<MorphLine::Ptr>& selectedLines() const { return m_selectedLines; }
+    bool isLineSelected(const MorphLine* line) const;
+    /// Does nothing for a line that is already selected.
+    void insertObjectInSelectedLinesAtIndex(const MorphLine::Ptr& line, std::size_t index);
+    /// Does nothing for an index not below the selection's count.
+    void removeObjectFromSelectedLinesAtIndex(std::size_t index);
+
+    // ---- images (track 0 for 0, track 1 for any other value) ----
+    /// Sets where the track's image is read from (empty for none); "Set Image". The
+    /// first image that loads fixes an unset frame size.
+    void setImageFromURL(const QString& path, unsigned track);
+    QString imageURLInTrack(unsigned track) const;
+    /// Loaded on first request; nothing (and a log line) when the file gives no image.
+    std::optional<DisplayImage> imageInTrack(unsigned track) const;
+    /// The image the frame engine renders from (premultiplied RGBA bitmap, origin bottom
+    /// left); a null Image (and a log line) when the file gives no image.
+    Image ciimageInTrack(unsigned track) const;
+    /// Track 1 for the value 1, track 0 otherwise. A track without a ratio borrows the
+    /// other track's; with neither it is 1.0.
+    float aspectRatioInTrack(unsigned track) const;
+
+    // ---- settings ----
+    /// The stored colour, or LineColor::defaultColor() when none is stored.
+    LineColor::Ptr lineColor() const;
+    /// The document's own colour; null while it uses the default one.
+    const LineColor::Ptr& storedLineColor() const { return m_lineColor; }
+    /// Registers "Change colour" unless color is the very object already stored.
+    void setLineColor(const LineColor::Ptr& color);
+    /// Stores a colour read from a file: no undo step, no notification.
+    void restoreLineColor(const LineColor::Ptr& color) { m_lineColor = color; }
+
+    QSizeF frameSize() const { return m_frameSize; }
+    /// Undoable (without an action name of its own); posts nothing.
+    void setFrameSize(const QSizeF& size);
+
+    const QString& codecFormat() const { return m_codecFormat; }
+    void setCodecFormat(const QString& format);
+    int codecQuality() const { return m_codecQuality; }
+    void setCodecQuality(int quality);
+
+    // ---- package on disk ----
+    /// Fills the document from a package directory. False, with a reason in error, when
+    /// its "info.plist" cannot be read as a dictionary. Registers no undo steps.
+    bool readFromFile(const QString& path, QString* error = nullptr);
+    /// Writes the document as a package directory, replacing what is at path only once
+    /// the new package is complete. False, with a reason in error, when it could not.
+    bool writeToFile(const QString& path, QString* error = nullptr) const;
+
+private:
+    TrackImage& trackFor(unsigned track) const { return m_tracks[track == 0 ? 0 : 1]; }
+    void joinToCoincidingLine(const MorphLine::Ptr& line);
+    void deselectLine(const MorphLine::Ptr& line);
+    void registerUndo(std::function<void()> action, const char* actionName = nullptr);
+    void postObjectsUpdated();
+    void postSelectionUpdated();
+
+    UndoManager m_undoManager;
+    // The images are caches of the locations, loaded by the const getters.
+    mutable std::array<TrackImage, 2> m_tracks;
+    std::vector<MorphLine::Ptr> m_morphLines;
+    std::vector<MorphLine::Ptr> m_selectedLines;
+    LineColor::Ptr m_lineColor;
+    QSizeF m_frameSize{0.0, 0.0};
+    QString m_codecFormat;
+    int m_codecQuality = 0;
+};
+
+} // namespace plyra

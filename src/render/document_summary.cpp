@@ -6,14 +6,26 @@
 #include <QJsonArray>
 #include <QJsonValue>
 
+#include <charconv>
+
 namespace plyra {
 namespace {
+
+// The shortest decimal that reads back as the same float (0.8, not 0.800000011920929).
+double shortest(float value)
+{
+    char buffer[32];
+    const auto end = std::to_chars(buffer, buffer + sizeof buffer, value).ptr;
+    double result = value;
+    std::from_chars(buffer, end, result);
+    return result;
+}
 
 QJsonArray pointsArray(const std::vector<Point>& points)
 {
     QJsonArray array;
     for (const Point& p : points)
-        array.append(QJsonArray{static_cast<double>(p.x), static_cast<double>(p.y)});
+        array.append(QJsonArray{shortest(p.x), shortest(p.y)});
     return array;
 }
 
@@ -32,12 +44,12 @@ QJsonObject lineSummary(const std::vector<MorphLine::Ptr>& lines, const MorphLin
     QJsonObject object;
     object[QStringLiteral("startPoints")] = pointsArray(line->startPoints());
     object[QStringLiteral("endPoints")] = pointsArray(line->endPoints());
-    object[QStringLiteral("startPointBeginMoveTime")] = static_cast<double>(line->startPointBeginMoveTime());
-    object[QStringLiteral("startPointStopMoveTime")] = static_cast<double>(line->startPointStopMoveTime());
-    object[QStringLiteral("endPointBeginMoveTime")] = static_cast<double>(line->endPointBeginMoveTime());
-    object[QStringLiteral("endPointStopMoveTime")] = static_cast<double>(line->endPointStopMoveTime());
-    object[QStringLiteral("dissolveStartTime")] = static_cast<double>(line->dissolveStartTime());
-    object[QStringLiteral("dissolveEndTime")] = static_cast<double>(line->dissolveEndTime());
+    object[QStringLiteral("startPointBeginMoveTime")] = shortest(line->startPointBeginMoveTime());
+    object[QStringLiteral("startPointStopMoveTime")] = shortest(line->startPointStopMoveTime());
+    object[QStringLiteral("endPointBeginMoveTime")] = shortest(line->endPointBeginMoveTime());
+    object[QStringLiteral("endPointStopMoveTime")] = shortest(line->endPointStopMoveTime());
+    object[QStringLiteral("dissolveStartTime")] = shortest(line->dissolveStartTime());
+    object[QStringLiteral("dissolveEndTime")] = shortest(line->dissolveEndTime());
     object[QStringLiteral("attachedLineAtStart")] = indexOf(lines, line->attachedLineAtStart());
     object[QStringLiteral("attachedLineAtEnd")] = indexOf(lines, line->attachedLineAtEnd());
     return object;
@@ -52,7 +64,7 @@ QJsonObject imageSummary(const MorphDocument& document, unsigned track)
     object[QStringLiteral("loaded")] = image.has_value();
     object[QStringLiteral("width")] = image ? image->raster.width() : 0;
     object[QStringLiteral("height")] = image ? image->raster.height() : 0;
-    object[QStringLiteral("aspectRatio")] = static_cast<double>(document.aspectRatioInTrack(track));
+    object[QStringLiteral("aspectRatio")] = shortest(document.aspectRatioInTrack(track));
     return object;
 }
 
@@ -65,8 +77,8 @@ QJsonObject documentSummary(const MorphDocument& document)
     summary[QStringLiteral("codecFormat")] = document.codecFormat();
     summary[QStringLiteral("codecQuality")] = document.codecQuality();
     if (const LineColor::Ptr& color = document.storedLineColor())
-        summary[QStringLiteral("lineColor")] = QJsonArray{static_cast<double>(color->red),
-            static_cast<double>(color->green), static_cast<double>(color->blue), static_cast<double>(color->alpha)};
+        summary[QStringLiteral("lineColor")] = QJsonArray{shortest(color->red),
+            shortest(color->green), shortest(color->blue), shortest(color->alpha)};
     else
         summary[QStringLiteral("lineColor")] = QJsonValue::Null;
     summary[QStringLiteral("images")] = QJsonArray{imageSummary(document, 0), imageSummary(document, 1)};

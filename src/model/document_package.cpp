@@ -161,7 +161,7 @@ QString imagePath(const PropertyList& info, const char* key, const QString& pack
     if (!text || text->empty())
         return {};
     const QString path = QString::fromStdString(*text);
-    return path.startsWith(QLatin1Char('/')) ? path : packagePath + QLatin1Char('/') + path;
+    return path.startsWith(QLatin1Char('/')) ? path : QDir(packagePath).filePath(path);
 }
 
 void readImages(MorphDocument& document, const PropertyList& info, const QString& packagePath)

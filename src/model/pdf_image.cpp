@@ -2,8 +2,11 @@
 #include "model/pdf_image.h"
 
 #include <QCoreApplication>
+#include <QStringList>
 
 #include <poppler-qt6.h>
+
+#include <mutex>
 
 namespace plyra {
 namespace {
@@ -13,10 +16,42 @@ namespace {
 constexpr qsizetype kHeaderWindow = 1024;
 constexpr double kPointsPerInch = 72.0;
 
-std::optional<QImage> fail(QString* error, const char* text)
+// Poppler reports problems through one process-wide function, called on the thread
+// that does the work; each rasterisation collects them here for its error string.
+thread_local QStringList* t_popplerMessages = nullptr;
+
+void collectPopplerMessage(const QString& message, const QVariant&)
 {
-    if (error)
+    if (t_popplerMessages)
+        t_popplerMessages->append(message);
+}
+
+/// Routes poppler's messages into a list while it exists, instead of the debug output.
+class PopplerMessages {
+public:
+    PopplerMessages()
+    {
+        static std::once_flag installed;
+        std::call_once(installed, [] { Poppler::setDebugErrorFunction(&collectPopplerMessage, QVariant()); });
+        t_popplerMessages = &m_messages;
+    }
+    ~PopplerMessages() { t_popplerMessages = nullptr; }
+    PopplerMessages(const PopplerMessages&) = delete;
+    PopplerMessages& operator=(const PopplerMessages&) = delete;
+
+    QString text() const { return m_messages.join(QLatin1String("; ")); }
+
+private:
+    QStringList m_messages;
+};
+
+std::optional<QImage> fail(QString* error, const char* text, const PopplerMessages& messages)
+{
+    if (error) {
         *error = QCoreApplication::translate("PdfImage", text);
+        if (!messages.text().isEmpty())
+            *error += QStringLiteral(" (") + messages.text() + QLatin1Char(')');
+    }
     return std::nullopt;
 }
 
@@ -24,21 +59,22 @@ std::optional<QImage> fail(QString* error, const char* text)
 
 std::optional<QImage> PdfImage::rasterize(const QByteArray& pdfData, QString* error)
 {
+    PopplerMessages messages;
     std::unique_ptr<Poppler::Document> document = Poppler::Document::loadFromData(pdfData);
     if (!document)
-        return fail(error, "The PDF data could not be read.");
+        return fail(error, "The PDF data could not be read.", messages);
     if (document->isLocked())
-        return fail(error, "The PDF document is protected by a password.");
+        return fail(error, "The PDF document is protected by a password.", messages);
     if (document->numPages() < 1)
-        return fail(error, "The PDF document has no pages.");
+        return fail(error, "The PDF document has no pages.", messages);
     std::unique_ptr<Poppler::Page> page = document->page(0);
     if (!page)
-        return fail(error, "The first page of the PDF document could not be read.");
+        return fail(error, "The first page of the PDF document could not be read.", messages);
     document->setRenderHint(Poppler::Document::Antialiasing);
     document->setRenderHint(Poppler::Document::TextAntialiasing);
     QImage raster = page->renderToImage(kPointsPerInch, kPointsPerInch);
     if (raster.isNull())
-        return fail(error, "The first page of the PDF document could not be drawn.");
+        return fail(error, "The first page of the PDF document could not be drawn.", messages);
     return raster;
 }
 

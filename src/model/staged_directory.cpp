@@ -54,8 +54,9 @@ QString text(const char* source)
 } // namespace
 
 StagedDirectory::StagedDirectory(const QString& finalPath)
-    : m_finalPath(QFileInfo(finalPath).absoluteFilePath())
-    , m_staging(stagingTemplate(finalPath))
+    // Cleaned, so that a trailing "/" does not put the stage inside the old directory.
+    : m_finalPath(QDir::cleanPath(QFileInfo(finalPath).absoluteFilePath()))
+    , m_staging(stagingTemplate(m_finalPath))
 {
     // The staging directory is made private; the package gets the usual permissions.
     if (m_staging.isValid()) {

@@ -270,6 +270,18 @@ TEST_F(DocumentPackageTest, SavingOverAPackageRemovesFilesTheNewSaveDoesNotWrite
     EXPECT_EQ(entries(path(".")).filter(QStringLiteral(".doc.plyra")), QStringList());
 }
 
+TEST_F(DocumentPackageTest, APathWithATrailingSlashNamesThePackage)
+{
+    MorphDocument document;
+    document.setImageFromURL(writePng("first.png", 5, 5), 0);
+    ASSERT_TRUE(document.writeToFile(package() + QStringLiteral("/")));
+    ASSERT_TRUE(document.writeToFile(package() + QStringLiteral("/")));
+    EXPECT_EQ(entries(package()), (QStringList{QStringLiteral("Image_0.tiff"), QStringLiteral("info.plist")}));
+    auto read = reopen(package() + QStringLiteral("/"));
+    ASSERT_TRUE(read);
+    EXPECT_TRUE(read->imageInTrack(0));
+}
+
 TEST_F(DocumentPackageTest, SavingOverItsOwnPackageKeepsTheImages)
 {
     MorphDocument document;

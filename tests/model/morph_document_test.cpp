@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QFile>
+
 #include <memory>
 #include <vector>
 
@@ -443,6 +445,35 @@ TEST_F(MorphDocumentTest, AnUnreadableImageLeavesTheTrackEmptyAndLogsEveryReques
     EXPECT_EQ(log.count(ciimageLine), 2);
     EXPECT_EQ(document->frameSize(), QSizeF(0, 0));
     EXPECT_EQ(document->aspectRatioInTrack(1), 1.0f);
+}
+
+TEST_F(MorphDocumentTest, CommonImageFormatsLoad)
+{
+    QImage source(20, 10, QImage::Format_RGB32);
+    source.fill(qRgb(200, 40, 10));
+    for (const char* format : {"JPEG", "BMP", "WEBP", "PNG"}) {
+        const QString file = path("image.") + QString::fromLatin1(format).toLower();
+        ASSERT_TRUE(source.save(file, format)) << format;
+        document->setImageFromURL(file, 1);
+        ASSERT_TRUE(document->imageInTrack(1)) << format;
+        EXPECT_EQ(document->imageInTrack(1)->size(), QSizeF(20, 10)) << format;
+        EXPECT_FALSE(document->imageInTrack(1)->isPdf());
+    }
+}
+
+TEST_F(MorphDocumentTest, ADamagedPdfLeavesTheTrackEmpty)
+{
+    QFile file(path("bad.pdf"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("%PDF-1.4\n1 0 obj << /Type /Catalog >> garbage");
+    file.close();
+    LogCapture log;
+    document->setImageFromURL(path("bad.pdf"), 0);
+    EXPECT_FALSE(document->imageInTrack(0));
+    EXPECT_EQ(log.count("Could not create Image from '" + path("bad.pdf").toStdString() + "'"), 2);
+    QString reason;
+    EXPECT_FALSE(DisplayImage::load(path("bad.pdf"), &reason));
+    EXPECT_TRUE(reason.contains(QStringLiteral("PDF"))) << reason.toStdString();
 }
 
 TEST_F(MorphDocumentTest, AnEmptyLocationYieldsNoImageAndNoMessage)

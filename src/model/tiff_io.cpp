@@ -3,6 +3,7 @@
 
 #include "platform/log.h"
 
+#include <QColorSpace>
 #include <QCoreApplication>
 #include <QFile>
 
@@ -117,6 +118,10 @@ void setTags(TIFF* tiff, const StoredLayout& layout)
         std::uint16_t kind = layout.alphaKind;
         TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &kind);
     }
+    // The colour profile travels with the pixels, so that they keep their meaning.
+    const QByteArray profile = layout.pixels.colorSpace().isValid() ? layout.pixels.colorSpace().iccProfile() : QByteArray();
+    if (!profile.isEmpty())
+        TIFFSetField(tiff, TIFFTAG_ICCPROFILE, static_cast<std::uint32_t>(profile.size()), profile.constData());
 }
 
 bool writeRows(TIFF* tiff, const StoredLayout& layout)
@@ -250,8 +255,14 @@ std::optional<QImage> TiffIo::read(const QString& path, QString* error)
         return std::nullopt;
     }
     std::optional<QImage> image = isPlainRgb(header) ? readPlainRgb(tiff.get(), header) : readConverted(tiff.get(), header);
-    if (!image)
+    if (!image) {
         fail(error, describe(tiffText("The pixels of “%1” could not be read."), path, messages));
+        return std::nullopt;
+    }
+    std::uint32_t profileSize = 0;
+    const void* profile = nullptr;
+    if (TIFFGetField(tiff.get(), TIFFTAG_ICCPROFILE, &profileSize, &profile) && profile && profileSize > 0)
+        image->setColorSpace(QColorSpace::fromIccProfile(QByteArray(static_cast<const char*>(profile), profileSize)));
     return image;
 }
 

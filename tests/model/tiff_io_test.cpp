@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QColorSpace>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -118,6 +119,20 @@ TEST_F(TiffIoTest, OpaqueImagesAreStoredWithoutAlpha)
     ASSERT_TRUE(read);
     EXPECT_FALSE(read->hasAlphaChannel());
     expectSameArgb(source, *read);
+}
+
+TEST_F(TiffIoTest, TheColourProfileTravelsWithThePixels)
+{
+    QImage source = unassociatedPattern();
+    source.setColorSpace(QColorSpace(QColorSpace::DisplayP3));
+    ASSERT_TRUE(TiffIo::write(source, path("p3.tiff")));
+    const std::optional<QImage> read = TiffIo::read(path("p3.tiff"));
+    ASSERT_TRUE(read);
+    EXPECT_EQ(read->colorSpace(), QColorSpace(QColorSpace::DisplayP3));
+    expectSameArgb(source, *read);
+
+    ASSERT_TRUE(TiffIo::write(unassociatedPattern(), path("plain.tiff")));
+    EXPECT_FALSE(TiffIo::read(path("plain.tiff"))->colorSpace().isValid());
 }
 
 TEST_F(TiffIoTest, GreyImagesComeBackAsTheSameGreys)

@@ -101,8 +101,8 @@ AffineTransform MorphLine::transformFromTime(float t1, float t2) const
 
 std::string pointToString(Point p)
 {
-    // Nine significant digits bring every float back exactly.
-    return "{" + numberToText(p.x, 9) + ", " + numberToText(p.y, 9) + "}";
+    // The shortest text that brings the float back exactly.
+    return "{" + shortestFloatText(p.x) + ", " + shortestFloatText(p.y) + "}";
 }
 
 namespace {

@@ -12,6 +12,13 @@ std::string numberToText(double value, int precision)
     return std::string(buffer, result.ptr);
 }
 
+std::string shortestFloatText(float value)
+{
+    char buffer[64];
+    const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
+    return std::string(buffer, result.ptr);
+}
+
 std::size_t readLeadingNumber(std::string_view text, double& value)
 {
     std::size_t start = 0;

@@ -13,6 +13,9 @@ namespace plyra {
 /// printf "%.<precision>g" of value, always with a decimal point.
 std::string numberToText(double value, int precision);
 
+/// The shortest decimal text that reads back as exactly this float ("0.6", "1e-05").
+std::string shortestFloatText(float value);
+
 /// Reads a decimal number at the start of text (an optional sign, digits, a fraction,
 /// an exponent). Returns the number of characters read, 0 when text does not start
 /// with a number.

@@ -1,0 +1,319 @@
+// SPDX-License-Identifier: MIT
+#include "engine/morpher.h"
+
+#include "engine/morph_test_support.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cmath>
+#include <thread>
+
+namespace plyra {
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+using test::makeLine;
+using test::staticLine;
+
+unsigned expectedWorkers()
+{
+    const unsigned n = std::thread::hardware_concurrency();
+    return n >= 1 ? n : 2;
+}
+
+/// Waits until the morpher is gone, that is until its last worker has left; answers how
+/// long that took.
+Clock::duration waitUntilGone(const std::weak_ptr<Morpher>& morpher, Clock::duration limit = 5s)
+{
+    const auto start = Clock::now();
+    while (!morpher.expired() && Clock::now() - start < limit)
+        std::this_thread::sleep_for(5ms);
+    return Clock::now() - start;
+}
+
+bool waitForCondition(const Morpher& morpher, int condition, Clock::duration limit = 5s)
+{
+    const auto start = Clock::now();
+    while (morpher.condition() != condition && Clock::now() - start < limit)
+        std::this_thread::sleep_for(1ms);
+    return morpher.condition() == condition;
+}
+
+/// Jobs that keep a worker busy for a while: a fine grid over a large frame.
+std::vector<MorphCalculationJob::Ptr> slowJobs(std::size_t n)
+{
+    std::vector<MorphCalculationJob::Ptr> jobs;
+    for (std::size_t i = 0; i < n; ++i)
+        jobs.push_back(MorphCalculationJob::create(0.5f, {1920.0f, 1080.0f}, 3.0f));
+    return jobs;
+}
+
+std::vector<MorphLine::Ptr> someLines(int n)
+{
+    std::vector<MorphLine::Ptr> lines;
+    for (int k = 0; k < n; ++k) {
+        const float y = 0.1f + 0.8f * static_cast<float>(k) / static_cast<float>(n);
+        lines.push_back(makeLine({0.1f, y}, {0.9f, y}, {0.15f, y + 0.02f}, {0.85f, y - 0.03f}));
+    }
+    return lines;
+}
+
+TEST(MorpherLines, CopiesTheLinesSoLaterEditsChangeNothing)
+{
+    auto first = makeLine({0.1f, 0.2f}, {0.3f, 0.4f}, {0.5f, 0.6f}, {0.7f, 0.8f});
+    auto second = staticLine({0.2f, 0.2f}, {0.8f, 0.2f});
+    first->attachLineAtEnd(second, nullptr);
+    const Morpher::Ptr morpher = Morpher::create(Image(), Image(), {first, second});
+    ASSERT_EQ(morpher->morphLines().size(), 2u);
+    const MorphLine& copy = *morpher->morphLines()[0];
+    EXPECT_NE(&copy, first.get());
+    EXPECT_EQ(copy.startPoints(), first->startPoints());
+    EXPECT_EQ(copy.endPoints(), first->endPoints());
+    EXPECT_FALSE(copy.attachedLineAtEnd());
+    EXPECT_FALSE(morpher->morphLines()[1]->attachedLineAtStart());
+
+    const auto before = test::computeField({first, second}, 0.5f, 64.0f, 48.0f, 8.0f);
+    first->setEndPoint({0.9f, 0.9f}, 1, nullptr);
+    EXPECT_EQ(copy.endPoint(1), (Point{0.7f, 0.8f}));
+    const auto job = MorphCalculationJob::create(0.5f, {64.0f, 48.0f}, 8.0f);
+    morpher->processMorphCalculationJob(*job);
+    EXPECT_EQ(job->coords(), before.coords);
+}
+
+TEST(MorpherLines, FillsLineCoordinatesAtATime)
+{
+    const Morpher::Ptr morpher = Morpher::create(
+        Image(), Image(), {makeLine({0.0f, 0.0f}, {0.3f, 0.4f}, {1.0f, 1.0f}, {1.0f, 0.0f}), staticLine({0.5f, 0.5f}, {0.5f, 0.5f})});
+    LineCoords c[2];
+    morpher->fillDestLineCoordinates(c, 0.0f);
+    EXPECT_EQ(c[0].start, (Point{0.0f, 0.0f}));
+    EXPECT_EQ(c[0].end, (Point{0.3f, 0.4f}));
+    EXPECT_FLOAT_EQ(c[0].length, 0.5f);
+    EXPECT_EQ(c[1].length, 0.0f);
+    morpher->fillDestLineCoordinates(c, 0.5f);
+    EXPECT_EQ(c[0].start, (Point{0.5f, 0.5f}));
+    EXPECT_FLOAT_EQ(c[0].end.x, 0.65f);
+    EXPECT_FLOAT_EQ(c[0].end.y, 0.2f);
+    EXPECT_FLOAT_EQ(c[0].length, std::sqrt(0.15f * 0.15f + 0.3f * 0.3f));
+}
+
+TEST(MorpherLines, FillsEachLinesTransformBetweenTwoTimes)
+{
+    const auto lines = someLines(3);
+    const Morpher::Ptr morpher = Morpher::create(Image(), Image(), lines);
+    AffineTransform m[3];
+    morpher->fillTransMatrixes(m, 1.0f, 0.25f);
+    for (int k = 0; k < 3; ++k) {
+        EXPECT_EQ(m[k], lines[static_cast<std::size_t>(k)]->transformFromTime(1.0f, 0.25f));
+        // It carries the line at 0.25 onto the line at 1.
+        const Point s = m[k].apply(lines[static_cast<std::size_t>(k)]->startPointAtTime(0.25f));
+        EXPECT_NEAR(s.x, lines[static_cast<std::size_t>(k)]->startPoint(1).x, 1e-6f);
+        EXPECT_NEAR(s.y, lines[static_cast<std::size_t>(k)]->startPoint(1).y, 1e-6f);
+    }
+}
+
+TEST(MorpherTransform, DirectTransformCarriesTheLineFromT1ToT2)
+{
+    const auto line = makeLine({0.1f, 0.2f}, {0.4f, 0.6f}, {0.3f, 0.1f}, {0.3f, 0.9f});
+    const AffineTransform m = Morpher::transformFromTime(0.0f, 1.0f, *line);
+    // Read as x' = m11·x + m12·y + tX, y' = m21·x + m22·y + tY.
+    const auto map = [&](Point p) { return Point{m.m11 * p.x + m.m12 * p.y + m.tX, m.m21 * p.x + m.m22 * p.y + m.tY}; };
+    const Point s = map(line->startPoint(0)), e = map(line->endPoint(0));
+    EXPECT_NEAR(s.x, 0.3f, 1e-6f);
+    EXPECT_NEAR(s.y, 0.1f, 1e-6f);
+    EXPECT_NEAR(e.x, 0.3f, 1e-6f);
+    EXPECT_NEAR(e.y, 0.9f, 1e-6f);
+    // Across the line distances stay: a point 0.1 to the left of the first segment.
+    const Point side = map({0.1f - 0.08f, 0.2f + 0.06f});
+    EXPECT_NEAR(side.x, 0.3f - 0.1f, 1e-6f);
+    EXPECT_NEAR(side.y, 0.1f, 1e-6f);
+}
+
+TEST(MorpherTransform, DirectTransformWithEqualTimesIsTheIdentity)
+{
+    for (const auto& line : someLines(5)) {
+        const AffineTransform m = Morpher::transformFromTime(0.3f, 0.3f, *line);
+        EXPECT_NEAR(m.m11, 1.0f, 1e-6f);
+        EXPECT_NEAR(m.m12, 0.0f, 1e-6f);
+        EXPECT_NEAR(m.m21, 0.0f, 1e-6f);
+        EXPECT_NEAR(m.m22, 1.0f, 1e-6f);
+        EXPECT_NEAR(m.tX, 0.0f, 1e-6f);
+        EXPECT_NEAR(m.tY, 0.0f, 1e-6f);
+    }
+    // A line without length at t1 answers the translation of its start.
+    const auto point = makeLine({0.5f, 0.5f}, {0.5f, 0.5f}, {0.6f, 0.7f}, {0.9f, 0.7f});
+    const AffineTransform m = Morpher::transformFromTime(0.0f, 1.0f, *point);
+    EXPECT_EQ(m, (AffineTransform{1.0f, 0.0f, 0.0f, 1.0f, 0.6f - 0.5f, 0.7f - 0.5f}));
+}
+
+TEST(MorpherQueue, ANewMorpherHasNoWorkersUntilJobsArrive)
+{
+    const Morpher::Ptr morpher = Morpher::create(Image(), Image(), {});
+    EXPECT_EQ(morpher->condition(), Morpher::MorpherConditionNoThreads);
+    EXPECT_EQ(morpher->startedWorkerCount(), 0u);
+    EXPECT_TRUE(morpher->morphJobs().empty());
+}
+
+TEST(MorpherQueue, AnEmptyJobListStartsTheWorkersWhichThenWaitIdle)
+{
+    std::weak_ptr<Morpher> weak;
+    {
+        const Morpher::Ptr morpher = Morpher::create(Image(), Image(), {});
+        weak = morpher;
+        morpher->runMorphCalculationJobs({});
+        EXPECT_EQ(morpher->startedWorkerCount(), expectedWorkers());
+        const int now = morpher->condition();
+        EXPECT_TRUE(now == Morpher::MorpherConditionJobsQueued || now == Morpher::MorpherConditionQueueEmpty) << now;
+        EXPECT_TRUE(waitForCondition(*morpher, Morpher::MorpherConditionQueueEmpty));
+        morpher->clearJobQueue();
+        EXPECT_EQ(morpher->condition(), Morpher::MorpherConditionStop);
+    }
+    // Every worker leaves within about a second of its last wait, and with the last one
+    // the morpher goes.
+    EXPECT_LT(waitUntilGone(weak), 2500ms);
+    EXPECT_TRUE(weak.expired());
+}
+
+TEST(MorpherQueue, ComputesEveryJobAndThenWaitsIdle)
+{
+    const Morpher::Ptr morpher = Morpher::create(Image(), Image(), someLines(4));
+    std::vector<MorphCalculationJob::Ptr> jobs;
+    for (int i = 0; i < 7; ++i)
+        jobs.push_back(MorphCalculationJob::create(static_cast<float>(i) / 6.0f, {64.0f, 48.0f}, 6.0f));
+    morpher->runMorphCalculationJobs(jobs);
+    for (const auto& job : jobs) {
+        job->waitUntilDone();
+        EXPECT_TRUE(job->isDone());
+        EXPECT_EQ(job->progress(), 1.0f);
+        EXPECT_EQ(job->coords().size(), 4u * (12 + 1) * (9 + 1));
+        // The same frame computed here, on this thread, gives the same field.
+        const auto direct = test::computeField(someLines(4), job->time(), 64.0f, 48.0f, 6.0f);
+        EXPECT_EQ(job->coords(), direct.coords);
+        EXPECT_EQ(job->maxDisplacement0(), direct.job->maxDisplacement0());
+    }
+    EXPECT_TRUE(waitForCondition(*morpher, Morpher::MorpherConditionQueueEmpty));
+    EXPECT_TRUE(morpher->morphJobs().empty());
+
+    // More jobs wake the idle workers.
+    const auto late = MorphCalculationJob::create(0.5f, {32.0f, 32.0f}, 4.0f);
+    morpher->runMorphCalculationJobs({late});
+    late->waitUntilDone();
+    EXPECT_EQ(morpher->startedWorkerCount(), expectedWorkers());
+    morpher->clearJobQueue();
+}
+
+TEST(MorpherQueue, ClearingAbortsQueuedJobsWhileRunningJobsComplete)
+{
+    std::weak_ptr<Morpher> weak;
+    std::vector<MorphCalculationJob::Ptr> jobs = slowJobs(expectedWorkers() + 3);
+    std::vector<MorphCalculationJob::Ptr> snapshot;
+    {
+        const Morpher::Ptr morpher = Morpher::create(Image(), Image(), someLines(30));
+        weak = morpher;
+        morpher->runMorphCalculationJobs(jobs);
+        snapshot = morpher->morphJobs();
+        morpher->clearJobQueue();
+        EXPECT_TRUE(morpher->morphJobs().empty());
+    }
+    // Each worker takes one slow job at a time, so at least three were still queued.
+    std::size_t aborted = 0;
+    for (const auto& job : jobs)
+        aborted += job->abort() ? 1 : 0;
+    EXPECT_GE(aborted, 3u);
+    EXPECT_GE(snapshot.size(), aborted); // the snapshot did not follow the clearing
+    for (const auto& job : jobs) {
+        if (!job->abort())
+            job->waitUntilDone(); // a job being computed runs to its end
+    }
+    EXPECT_LT(waitUntilGone(weak), 2500ms);
+    for (const auto& job : jobs) {
+        if (job->abort()) {
+            EXPECT_FALSE(job->isDone());
+            EXPECT_EQ(job->progress(), 0.0f);
+            EXPECT_TRUE(job->coords().empty());
+        } else {
+            EXPECT_TRUE(job->isDone());
+        }
+    }
+}
+
+TEST(MorpherQueue, ThreeQueuedJobsAreMarkedAndDropped)
+{
+    std::weak_ptr<Morpher> weak;
+    // The workers are kept busy with slow jobs, so the three small ones stay queued.
+    std::vector<MorphCalculationJob::Ptr> busy = slowJobs(expectedWorkers());
+    std::vector<MorphCalculationJob::Ptr> small;
+    for (int i = 0; i < 3; ++i)
+        small.push_back(MorphCalculationJob::create(0.5f, {16.0f, 16.0f}, 4.0f));
+    {
+        const Morpher::Ptr morpher = Morpher::create(Image(), Image(), someLines(30));
+        weak = morpher;
+        morpher->runMorphCalculationJobs(busy);
+        morpher->runMorphCalculationJobs(small);
+        const auto queued = morpher->morphJobs();
+        ASSERT_GE(queued.size(), 3u);
+        EXPECT_EQ(queued.back(), small.back());
+        morpher->clearJobQueue();
+        EXPECT_TRUE(morpher->morphJobs().empty());
+        EXPECT_GE(queued.size(), 3u); // the copy did not follow the clearing
+    }
+    for (const auto& job : small)
+        EXPECT_TRUE(job->abort());
+    EXPECT_LT(waitUntilGone(weak), 2500ms);
+    for (const auto& job : small)
+        EXPECT_FALSE(job->isDone());
+}
+
+TEST(MorpherQueue, JobsGetTheMorphersTrackImages)
+{
+    Bitmap pixels(4, 4);
+    const Image first = Image::fromBitmap(pixels);
+    const Morpher::Ptr morpher = Morpher::create(first, Image(), {});
+    const auto job = MorphCalculationJob::create(0.0f, {4.0f, 4.0f}, 2.0f);
+    morpher->runMorphCalculationJobs({job, nullptr});
+    EXPECT_TRUE(job->track0Image() == first);
+    EXPECT_TRUE(job->track1Image().isNull());
+    job->waitUntilDone();
+    morpher->clearJobQueue();
+}
+
+TEST(MorpherQueue, AStoppedMorpherStartsNewWorkersForNewJobs)
+{
+    std::weak_ptr<Morpher> weak;
+    {
+        const Morpher::Ptr morpher = Morpher::create(Image(), Image(), someLines(2));
+        weak = morpher;
+        morpher->runMorphCalculationJobs({MorphCalculationJob::create(0.1f, {32.0f, 32.0f}, 4.0f)});
+        morpher->clearJobQueue();
+        const auto job = MorphCalculationJob::create(0.2f, {32.0f, 32.0f}, 4.0f);
+        morpher->runMorphCalculationJobs({job});
+        EXPECT_EQ(morpher->startedWorkerCount(), 2 * expectedWorkers());
+        job->waitUntilDone();
+        morpher->clearJobQueue();
+    }
+    EXPECT_LT(waitUntilGone(weak), 2500ms);
+}
+
+TEST(MorpherQueue, ManyShortLivedMorphersAllWindDown)
+{
+    // What a burst of edits does: each recalculation drops the previous morpher.
+    std::vector<std::weak_ptr<Morpher>> gone;
+    std::vector<MorphCalculationJob::Ptr> jobs;
+    for (int m = 0; m < 5; ++m) {
+        const Morpher::Ptr morpher = Morpher::create(Image(), Image(), someLines(3));
+        gone.push_back(morpher);
+        for (int i = 0; i < 3; ++i)
+            jobs.push_back(MorphCalculationJob::create(0.25f * static_cast<float>(i), {48.0f, 32.0f}, 4.0f));
+        morpher->runMorphCalculationJobs({jobs.end() - 3, jobs.end()});
+        morpher->clearJobQueue();
+    }
+    for (const auto& weak : gone)
+        EXPECT_LT(waitUntilGone(weak), 2500ms);
+    for (const auto& job : jobs)
+        EXPECT_NE(job->isDone(), job->abort());
+}
+
+} // namespace
+} // namespace plyra

@@ -59,8 +59,10 @@ std::vector<float> frameTimes(std::uint32_t numberOfFrames, MorphTimeRange range
         if (numberOfFrames > 1)
             t = static_cast<float>(static_cast<double>(range.location)
                 + static_cast<double>(product) / static_cast<double>(numberOfFrames - 1));
+        // Reversed, the frames run from the end of the range back to its start: the
+        // mirror image of t within the range.
         if (reverse)
-            t = (range.location + range.length) - t;
+            t = (range.location + range.length) - (t - range.location);
         times.push_back(t);
     }
     return times;

@@ -21,7 +21,7 @@
 namespace plyra {
 namespace {
 
-struct Run {
+struct RunResult {
     int exitCode = -1;
     QByteArray out;
     QByteArray err;
@@ -35,7 +35,7 @@ protected:
         UserDefaults::standard().useFile(dir.filePath(QStringLiteral("defaults.ini")));
     }
 
-    Run run(const QStringList& arguments)
+    RunResult run(const QStringList& arguments)
     {
         QProcess process;
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
@@ -83,23 +83,23 @@ protected:
 
 TEST_F(PlyraRenderTest, UsageErrorsExitWithTwoAndAOneLineMessage)
 {
-    const Run none = run({});
+    const RunResult none = run({});
     EXPECT_EQ(none.exitCode, 2);
     EXPECT_TRUE(none.err.startsWith("plyra-render: no document given\n")) << none.err.toStdString();
     EXPECT_TRUE(none.err.contains("usage:"));
 
-    const Run bad = run({QStringLiteral("doc.plyra"), QStringLiteral("--frames")});
+    const RunResult bad = run({QStringLiteral("doc.plyra"), QStringLiteral("--frames")});
     EXPECT_EQ(bad.exitCode, 2);
     EXPECT_TRUE(bad.err.startsWith("plyra-render: --frames needs a value\n"));
 
-    const Run help = run({QStringLiteral("--help")});
+    const RunResult help = run({QStringLiteral("--help")});
     EXPECT_EQ(help.exitCode, 0);
     EXPECT_TRUE(help.out.contains("--warp-field"));
 }
 
 TEST_F(PlyraRenderTest, UnreadableDocumentsFailWithAClearMessage)
 {
-    const Run missing = run({dir.filePath(QStringLiteral("nothing.plyra")), QStringLiteral("--info")});
+    const RunResult missing = run({dir.filePath(QStringLiteral("nothing.plyra")), QStringLiteral("--info")});
     EXPECT_EQ(missing.exitCode, 1);
     EXPECT_TRUE(missing.err.contains("cannot open document")) << missing.err.toStdString();
 
@@ -110,25 +110,25 @@ TEST_F(PlyraRenderTest, UnreadableDocumentsFailWithAClearMessage)
     info.write("\x00\x01garbage<plist", 14);
     info.close();
     const QString out = dir.filePath(QStringLiteral("g.jpg"));
-    const Run broken = run({garbage, QStringLiteral("-o"), out});
+    const RunResult broken = run({garbage, QStringLiteral("-o"), out});
     EXPECT_EQ(broken.exitCode, 1);
     EXPECT_TRUE(broken.err.contains("cannot open document"));
     EXPECT_FALSE(QFile::exists(out));
 
     const QString empty = makeDocument(false);
-    const Run noImage = run({empty, QStringLiteral("-o"), out});
+    const RunResult noImage = run({empty, QStringLiteral("-o"), out});
     EXPECT_EQ(noImage.exitCode, 1);
     EXPECT_TRUE(noImage.err.contains("no image")) << noImage.err.toStdString();
     EXPECT_FALSE(QFile::exists(out));
 
-    const Run unwritable = run({makeDocument(), QStringLiteral("-o"), dir.filePath(QStringLiteral("no/such/dir/f.jpg"))});
+    const RunResult unwritable = run({makeDocument(), QStringLiteral("-o"), dir.filePath(QStringLiteral("no/such/dir/f.jpg"))});
     EXPECT_EQ(unwritable.exitCode, 1);
     EXPECT_TRUE(unwritable.err.contains("cannot write"));
 }
 
 TEST_F(PlyraRenderTest, InfoPrintsTheDocumentAsJson)
 {
-    const Run result = run({makeDocument(), QStringLiteral("--info")});
+    const RunResult result = run({makeDocument(), QStringLiteral("--info")});
     ASSERT_EQ(result.exitCode, 0) << result.err.toStdString();
     const QJsonObject info = QJsonDocument::fromJson(result.out).object();
     EXPECT_EQ(info[QStringLiteral("frameSize")].toArray(), (QJsonArray{40, 30}));
@@ -155,13 +155,13 @@ TEST_F(PlyraRenderTest, RendersAFrameAndAMovie)
 {
     const QString document = makeDocument();
     const QString frame = dir.filePath(QStringLiteral("f.jpg"));
-    const Run still = run({document, QStringLiteral("-o"), frame, QStringLiteral("--time"), QStringLiteral("0.25"),
+    const RunResult still = run({document, QStringLiteral("-o"), frame, QStringLiteral("--time"), QStringLiteral("0.25"),
         QStringLiteral("--size"), QStringLiteral("64x48"), QStringLiteral("--quiet")});
     ASSERT_EQ(still.exitCode, 0) << still.err.toStdString();
     EXPECT_EQ(QImageReader(frame).size(), QSize(64, 48));
 
     const QString movie = dir.filePath(QStringLiteral("m.mov"));
-    const Run moving = run({document, QStringLiteral("-o"), movie, QStringLiteral("--frames"), QStringLiteral("6"),
+    const RunResult moving = run({document, QStringLiteral("-o"), movie, QStringLiteral("--frames"), QStringLiteral("6"),
         QStringLiteral("--fps"), QStringLiteral("12"), QStringLiteral("--codec"), QStringLiteral("mjpb")});
     ASSERT_EQ(moving.exitCode, 0) << moving.err.toStdString();
     EXPECT_TRUE(moving.out.startsWith("plyra-render: 6 frames in ")) << moving.out.toStdString();
@@ -175,7 +175,7 @@ TEST_F(PlyraRenderTest, RendersAFrameAndAMovie)
 TEST_F(PlyraRenderTest, WritesTheWarpFieldOfOneFrame)
 {
     const QString field = dir.filePath(QStringLiteral("field.bin"));
-    const Run result = run({makeDocument(), QStringLiteral("--time"), QStringLiteral("0.5"), QStringLiteral("--warp-field"),
+    const RunResult result = run({makeDocument(), QStringLiteral("--time"), QStringLiteral("0.5"), QStringLiteral("--warp-field"),
         field, QStringLiteral("--interval"), QStringLiteral("7")});
     ASSERT_EQ(result.exitCode, 0) << result.err.toStdString();
     QFile file(field);

@@ -78,7 +78,7 @@ TEST(FrameRender, SavesAJpegAtQuality95WithTheFramesPixelSize)
 
 TEST(FrameRender, NoImageNoRender)
 {
-    test::TwoImageDocument doc(QColor(), QColor());
+    test::TwoImageDocument doc{QColor(), QColor()};
     FrameRenderController controller(*doc.document);
     controller.settings().setFrameSize({10, 10});
     EXPECT_FALSE(controller.recalc());

@@ -20,7 +20,8 @@ struct RenderOptions {
 /// Renders the part `rect` of an image into a new 8-bit premultiplied RGBA bitmap of
 /// trunc(rect.width) × trunc(rect.height) pixels, origin bottom left. Bitmap pixel
 /// (px, py) shows the image pixel whose lower left corner is (floor(rect.x) + px,
-/// floor(rect.y) + py); pixels whose centre lies outside the image's extent stay fully
+/// floor(rect.y) + py), the origin being limited to ±2^30; pixels whose centre lies
+/// outside the image's extent stay fully
 /// transparent. Kernel images pull from each input only the region of interest of each
 /// tile, rendering inputs that are themselves kernel images into temporary buffers over
 /// that region. Row tiles run in parallel on oneTBB workers; a tile never starts nested

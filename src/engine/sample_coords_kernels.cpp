@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: MIT
+#include "engine/sample_coords_kernels_internal.h"
+
+#include "platform/image/kernel_registry.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <cstring>
+#include <mutex>
+
+PLYRA_NO_FP_CONTRACT
+
+namespace plyra::sampling {
+namespace {
+
+std::atomic<SamplingPath> g_path{SamplingPath::Fastest};
+
+// Grid tables are read a whole vector at a time from any column, so they carry this many
+// spare entries (more than the widest vector has float lanes).
+constexpr int kTablePadding = 64;
+// Node positions beyond this many output pixels are cut back, so that the arithmetic of
+// the row loops stays finite whatever a node holds.
+constexpr float kPositionLimit = 1.0e7f;
+
+/// Where the grid nodes lie. The kernel is given only the spacing r, but the grid has
+/// nx = coordinates-image width nodes across the extent with the first and the last on
+/// its edges, so node i sits at extent.x + i · W / (nx − 1), which is r only when r divides
+/// W. The node spacing is taken from the coordinates image and the extent, never from r.
+struct GridGeometry {
+    int nx = 1;
+    int ny = 1;
+    Rect extent;
+    float spacingX = 1.0f;
+    float spacingY = 1.0f;
+    float columnsPerPixel = 1.0f;
+    float rowsPerPixel = 1.0f;
+};
+
+GridGeometry gridGeometry(const SamplerView& coords, const Rect& extent)
+{
+    GridGeometry g;
+    g.nx = std::max(coords.levelWidth, 1);
+    g.ny = std::max(coords.levelHeight, 1);
+    g.extent = extent;
+    if (g.nx > 1 && extent.width > 0.0f) {
+        g.spacingX = extent.width / float(g.nx - 1);
+        g.columnsPerPixel = float(g.nx - 1) / extent.width;
+    }
+    if (g.ny > 1 && extent.height > 0.0f) {
+        g.spacingY = extent.height / float(g.ny - 1);
+        g.rowsPerPixel = float(g.ny - 1) / extent.height;
+    }
+    return g;
+}
+
+/// The node cell of a pixel centre along one axis: its first node and the fraction.
+void cellOf(float pixelCentre, float origin, float nodesPerPixel, int nodes, int& node, float& fraction)
+{
+    const float g = (pixelCentre - origin) * nodesPerPixel;
+    node = std::clamp(static_cast<int>(std::floor(std::clamp(g, -1.0f, float(nodes)))), 0, std::max(nodes - 2, 0));
+    fraction = std::clamp(g - float(node), 0.0f, 1.0f);
+}
+
+float sanePosition(float value, float fallback)
+{
+    return std::isfinite(value) ? std::clamp(value, -kPositionLimit, kPositionLimit) : fallback;
+}
+
+/// A node's five values: positions in both images and the dissolve factor, decoded from
+/// its four floats. The fourth float packs the last image's row (its integer part) and
+/// half the dissolve factor (its fraction); both are decoded here, before any
+/// interpolation, because the packed number cannot be interpolated as a whole. The row
+/// is read at its centre, row + 0.5: the true position lay somewhere in that row.
+/// Non-finite values fall back to the node's own position and no dissolve.
+void readNode(const SamplerView& coords, const GridGeometry& g, int i, int j, float out[GridRow::ChannelCount])
+{
+    const float* p = coords.rgbaFloat(i, j);
+    const float ownX = g.extent.x + float(i) * g.spacingX;
+    const float ownY = g.extent.y + float(j) * g.spacingY;
+    out[GridRow::FirstX] = sanePosition(p[0], ownX);
+    out[GridRow::FirstY] = sanePosition(p[1], ownY);
+    out[GridRow::LastX] = sanePosition(p[2], ownX);
+    if (std::isfinite(p[3])) {
+        const float row = std::floor(p[3]);
+        out[GridRow::LastY] = std::clamp(row, -kPositionLimit, kPositionLimit) + 0.5f;
+        out[GridRow::Dissolve] = std::clamp(2.0f * (p[3] - row), 0.0f, 1.0f);
+    } else {
+        out[GridRow::LastY] = ownY;
+        out[GridRow::Dissolve] = 0.0f;
+    }
+}
+
+/// Interpolates node rows j and j + 1 at fraction fy for `count` columns from firstColumn.
+void fillGridRow(const SamplerView& coords, const GridGeometry& g, int j, float fy, int firstColumn, int count,
+                 GridRow& row)
+{
+    const int jNext = std::min(j + 1, g.ny - 1);
+    for (int k = 0; k < count; ++k) {
+        float below[GridRow::ChannelCount];
+        float above[GridRow::ChannelCount];
+        readNode(coords, g, firstColumn + k, j, below);
+        readNode(coords, g, firstColumn + k, jNext, above);
+        for (int ch = 0; ch < GridRow::ChannelCount; ++ch)
+            row.value[ch][k] = below[ch] + (above[ch] - below[ch]) * fy;
+    }
+    for (int ch = 0; ch < GridRow::ChannelCount; ++ch) {
+        for (int k = 0; k + 1 < count; ++k)
+            row.delta[ch][k] = row.value[ch][k + 1] - row.value[ch][k];
+        std::fill(row.value[ch].begin() + count, row.value[ch].end(), row.value[ch][count - 1]);
+        std::fill(row.delta[ch].begin() + count - 1, row.delta[ch].end(), 0.0f);
+    }
+}
+
+ImageTaps tapsFor(const SamplerView& view)
+{
+    ImageTaps taps;
+    taps.pixels = reinterpret_cast<const std::uint32_t*>(view.bytes);
+    taps.stride = static_cast<int>(view.bytesPerRow / 4);
+    taps.originX = view.originX;
+    taps.originY = view.originY;
+    taps.lastX = view.originX + view.width - 1;
+    taps.lastY = view.originY + view.height - 1;
+    taps.toTexel = view.toTexel;
+    taps.maxU = float(taps.lastX + 2);
+    taps.maxV = float(taps.lastY + 2);
+    return taps;
+}
+
+void clearTile(const KernelOutput& out)
+{
+    for (int y = out.y; y < out.y + out.height; ++y)
+        std::memset(out.at(out.x, y), 0, static_cast<std::size_t>(out.width) * 4);
+}
+
+/// The per-pixel column table of a tile; answers the first and last column used.
+void fillColumns(const KernelOutput& out, const GridGeometry& g, std::vector<int>& column,
+                 std::vector<float>& fraction, int& firstColumn, int& lastColumn)
+{
+    for (int x = 0; x < out.width; ++x)
+        cellOf(float(out.x + x) + 0.5f, g.extent.x, g.columnsPerPixel, g.nx, column[x], fraction[x]);
+    firstColumn = column[0];
+    lastColumn = column[out.width - 1];
+    for (int x = 0; x < out.width; ++x)
+        column[x] -= firstColumn;
+}
+
+/// The tile loop shared by both kernels: samplers are the image(s) then the coordinates.
+void runSampling(const KernelCall& call, int imageCount, bool useLastPositions)
+{
+    const KernelOutput& out = call.output;
+    const SamplerView& coords = call.samplers[imageCount];
+    for (int k = 0; k < imageCount; ++k)
+        if (call.samplers[k].format != SamplerView::Format::Rgba8) {
+            clearTile(out);
+            return;
+        }
+    if (coords.format != SamplerView::Format::RgbaFloat || out.width <= 0) {
+        clearTile(out);
+        return;
+    }
+    const GridGeometry g = gridGeometry(coords, call.extent);
+    std::vector<int> column(static_cast<std::size_t>(out.width));
+    std::vector<float> fraction(static_cast<std::size_t>(out.width));
+    int firstColumn = 0;
+    int lastColumn = 0;
+    fillColumns(out, g, column, fraction, firstColumn, lastColumn);
+    const int count = std::min(lastColumn - firstColumn + 2, g.nx - firstColumn);
+
+    GridRow grid;
+    for (int ch = 0; ch < GridRow::ChannelCount; ++ch) {
+        grid.value[ch].resize(static_cast<std::size_t>(count + kTablePadding));
+        grid.delta[ch].resize(static_cast<std::size_t>(count + kTablePadding));
+    }
+    RowJob job;
+    job.width = out.width;
+    job.column = column.data();
+    job.fraction = fraction.data();
+    job.grid = &grid;
+    job.first = tapsFor(call.samplers[0]);
+    if (imageCount == 2)
+        job.last = tapsFor(call.samplers[1]);
+    job.twoImages = imageCount == 2;
+    job.useLastPositions = useLastPositions;
+    const bool simd = g_path.load(std::memory_order_relaxed) == SamplingPath::Fastest;
+    for (int y = out.y; y < out.y + out.height; ++y) {
+        int j = 0;
+        float fy = 0.0f;
+        cellOf(float(y) + 0.5f, g.extent.y, g.rowsPerPixel, g.ny, j, fy);
+        fillGridRow(coords, g, j, fy, firstColumn, count, grid);
+        job.out = out.at(out.x, y);
+        if (simd)
+            sampleRowSimd(job);
+        else
+            sampleRowScalar(job, 0, job.width);
+    }
+}
+
+// sampleCoords2(sampler first, sampler last, sampler coords, float resolution)
+void twoImagesKernel(const KernelCall& call)
+{
+    runSampling(call, 2, false);
+}
+
+// sampleCoords(sampler image, sampler coords, float resolution, float fromLastImage):
+// warps one image; with fromLastImage set it is the last image and is read at the last
+// image's positions (floats 2 and 3 of the nodes), else at the first image's (0 and 1).
+void oneImageKernel(const KernelCall& call)
+{
+    runSampling(call, 1, call.scalars.size() > 1 && call.scalars[1] != 0.0f);
+}
+
+} // namespace
+
+void registerSamplingKernels()
+{
+    static std::once_flag once;
+    std::call_once(once, [] {
+        using T = KernelArgumentType;
+        KernelRegistry::shared().add({kOneImageKernelName, {T::Sampler, T::Sampler, T::Float, T::Float}, oneImageKernel});
+        KernelRegistry::shared().add(
+            {kTwoImagesKernelName, {T::Sampler, T::Sampler, T::Sampler, T::Float}, twoImagesKernel});
+    });
+}
+
+void setSamplingPath(SamplingPath path)
+{
+    g_path.store(path, std::memory_order_relaxed);
+}
+
+SamplingPath samplingPath()
+{
+    return g_path.load(std::memory_order_relaxed);
+}
+
+} // namespace plyra::sampling

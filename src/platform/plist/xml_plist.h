@@ -9,11 +9,17 @@
 
 namespace plyra {
 
-/// Reads an XML or binary property list (through libplist).
+/// Reads a property list in any of its forms: binary ("bplist00"), XML (through libplist)
+/// or, for anything else, the OpenStep text form. The root may be of any type; the caller
+/// decides what it accepts. Missing, empty, damaged or truncated input gives nothing and,
+/// when error is given, the reason (prefixed with the path for files). Dates read as reals
+/// (seconds since 2001-01-01 00:00 UTC), UIDs as integers.
 std::optional<PropertyList> parsePropertyListData(const std::vector<std::uint8_t>& bytes, std::string* error = nullptr);
 std::optional<PropertyList> readPropertyListFile(const std::string& path, std::string* error = nullptr);
 
-/// Writes the XML property-list form.
+/// Writes the XML property-list form. The file is written beside its destination and
+/// renamed over it when complete, so a failed write leaves any earlier file intact.
+/// Threads: all four functions may run on any thread.
 std::string writeXmlPropertyList(const PropertyList& value);
 bool writeXmlPropertyListFile(const PropertyList& value, const std::string& path, std::string* error = nullptr);
 

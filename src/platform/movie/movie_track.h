@@ -86,6 +86,7 @@ public:
 
     // Used by the framework's own writer, reader and decoder.
     const MovieCodecParameters* codecParameters() const { return m_codec.get(); }
+    const std::shared_ptr<const MovieCodecParameters>& sharedCodecParameters() const { return m_codec; }
     void setCodec(FourCharCode codecType, std::shared_ptr<const MovieCodecParameters> codec);
     /// Appends a sample whose data is already in `store` at `offset`.
     void appendSample(const MovieSample& sample, std::shared_ptr<MovieSampleStore> store, int64_t offset);
@@ -150,11 +151,11 @@ public:
     /// Compresses the image and appends it at the end of the track's media.
     MovieStatus addImage(const RgbaImage& image, const MovieTime& duration,
                          const std::optional<AddImageAttributes>& attributes);
-    /// Ends compression: frames the encoder still holds are stored.
-    MovieStatus finishEncoding();
 
 private:
     void extendRangeTo(int64_t trackEnd);
+    MovieStatus startEncoding(const RgbaImage& image, const AddImageAttributes& attributes);
+    void noteAttributeChange(const AddImageAttributes& attributes);
 
     int m_trackId;
     int32_t m_movieTimeScale;
@@ -165,6 +166,7 @@ private:
     std::unique_ptr<MovieMedia> m_media;
     std::vector<TrackEdit> m_edits;
     std::unique_ptr<MovieEncoder> m_encoder;
+    bool m_attributeChangeLogged = false;
 };
 
 } // namespace plyra

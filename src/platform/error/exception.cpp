@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+#include "platform/error/exception.h"
+
+#include "platform/log.h"
+
+namespace plyra {
+
+Exception::Exception(std::string name, std::string reason, ErrorPtr error)
+    : m_name(std::move(name))
+    , m_reason(std::move(reason))
+    , m_error(std::move(error))
+{
+}
+
+Exception Exception::internalInconsistency(std::string reason, const char* function, const char* file, int line)
+{
+    Exception exception(kInternalInconsistencyException, std::move(reason));
+    exception.m_location = formatString("%s, %s:%d", function, file, line);
+    return exception;
+}
+
+} // namespace plyra

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/movie/movie_time.h"
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+}
+
+#include <memory>
+
+namespace plyra {
+
+/// Owns one FFmpeg codec description (codec, size, pixel format, extradata), shared by
+/// a medium and every copy of its samples.
+/// Threads: immutable once made; any thread.
+struct MovieCodecParameters {
+    AVCodecParameters* parameters = nullptr;
+
+    MovieCodecParameters();
+    ~MovieCodecParameters();
+    MovieCodecParameters(const MovieCodecParameters&) = delete;
+    MovieCodecParameters& operator=(const MovieCodecParameters&) = delete;
+
+    static std::shared_ptr<const MovieCodecParameters> fromContext(const AVCodecContext* context);
+    static std::shared_ptr<const MovieCodecParameters> copyOf(const AVCodecParameters* source);
+};
+
+/// How one four-character codec code is written with FFmpeg.
+struct MovieCodecSetup {
+    FourCharCode code;
+    const char* encoderName;
+    AVPixelFormat pixelFormat;
+    /// The codec keeps alpha: frames go in with straight (not premultiplied) alpha.
+    bool keepsAlpha;
+    /// 4:2:0 and 4:2:2 formats need an even frame width (and height for 4:2:0).
+    bool needsEvenWidth;
+    bool needsEvenHeight;
+    /// Set when FFmpeg has no encoder for the code and a close relative is written instead.
+    const char* substituteNote;
+};
+
+/// The set-up for a codec code, or null when the code is not one of ours.
+const MovieCodecSetup* movieCodecSetup(FourCharCode code);
+
+/// Quality (0..1023) onto each encoder's own scale; higher quality never means a
+/// coarser setting.
+int qscaleForQuality(int quality);         // mpeg4, mjpeg: 31 (coarsest) .. 1
+int crfForQuality(int quality);            // x264: 51 .. 12
+int proresProfileForQuality(int quality);  // 0 proxy, 1 LT, 2 standard, 3 HQ, 4 4444
+
+/// The four-character code for an FFmpeg codec tag as stored in a QuickTime file.
+FourCharCode fourCharCodeFromTag(uint32_t codecTag);
+/// Sends FFmpeg's errors (and nothing chattier) to the log; safe to call often.
+void initializeFfmpegLogging();
+/// FFmpeg's error text for an error number.
+std::string ffmpegErrorText(int error);
+
+} // namespace plyra

@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: MIT
+#include "platform/movie/movie_file_io_internal.h"
+
+#include "platform/log.h"
+#include "platform/movie/movie_codec_internal.h"
+#include "platform/movie/movie_sample_store_internal.h"
+
+extern "C" {
+#include <libavformat/avformat.h>
+}
+
+#include <algorithm>
+#include <map>
+
+namespace plyra {
+namespace {
+
+void report(MovieStatus* status, MovieStatus value)
+{
+    if (status)
+        *status = std::move(value);
+}
+
+MovieStatus readFailure(const std::string& path, const std::string& why)
+{
+    return MovieStatus::failure(kMovieFileError,
+                                formatString("Could not read the movie \"%s\": %s", path.c_str(), why.c_str()));
+}
+
+/// Closes the demuxer however reading ends.
+struct InputCloser {
+    AVFormatContext* context = nullptr;
+    ~InputCloser() { avformat_close_input(&context); }
+};
+
+FourCharCode mediaTypeOf(const AVCodecParameters& parameters)
+{
+    switch (parameters.codec_type) {
+    case AVMEDIA_TYPE_VIDEO:
+        return kVideoMediaType;
+    case AVMEDIA_TYPE_AUDIO:
+        return kSoundMediaType;
+    default:
+        return 0;
+    }
+}
+
+} // namespace
+
+std::unique_ptr<Movie> Movie::open(const std::string& path, MovieStatus* status)
+{
+    return MovieFileReader::read(path, status);
+}
+
+std::unique_ptr<Movie> MovieFileReader::read(const std::string& path, MovieStatus* status)
+{
+    MovieStatus opened;
+    auto fileStore = MovieSampleStore::openFile(path, &opened);
+    if (!fileStore) {
+        report(status, std::move(opened));
+        return nullptr;
+    }
+    InputCloser input;
+    AVDictionary* options = nullptr;
+    // The stored sample table as it is: edits are not applied to the samples.
+    av_dict_set(&options, "ignore_editlist", "1", 0);
+    initializeFfmpegLogging();
+    const int result = avformat_open_input(&input.context, path.c_str(), nullptr, &options);
+    av_dict_free(&options);
+    if (result < 0) {
+        report(status, readFailure(path, ffmpegErrorText(result)));
+        return nullptr;
+    }
+
+    std::unique_ptr<Movie> movie(new Movie(path));
+    movie->m_fileStore = fileStore;
+    std::map<int, MovieTrack*> tracks;
+    MovieSize naturalSize;
+    for (unsigned i = 0; i < input.context->nb_streams; ++i) {
+        const AVStream* stream = input.context->streams[i];
+        const AVCodecParameters& parameters = *stream->codecpar;
+        const FourCharCode mediaType = mediaTypeOf(parameters);
+        if (mediaType == 0 || stream->time_base.num != 1 || stream->time_base.den <= 0)
+            continue;
+        const MovieSize size{static_cast<float>(parameters.width), static_cast<float>(parameters.height)};
+        MovieTrack* track = movie->newTrack(size, mediaType == kSoundMediaType ? 256 : 0);
+        track->newMedia(mediaType, stream->time_base.den, MediaStorage::File, fileStore);
+        track->media()->setCodec(fourCharCodeFromTag(parameters.codec_tag), MovieCodecParameters::copyOf(&parameters));
+        tracks[static_cast<int>(i)] = track;
+        if (mediaType == kVideoMediaType && naturalSize.width < 1)
+            naturalSize = size;
+    }
+
+    auto memoryStore = movie->sampleStore(MediaStorage::Memory);
+    AVPacket* packet = av_packet_alloc();
+    int readResult = 0;
+    while (packet && (readResult = av_read_frame(input.context, packet)) >= 0) {
+        const auto found = tracks.find(packet->stream_index);
+        if (found != tracks.end()) {
+            MovieMedia& media = *found->second->media();
+            const int64_t time = packet->pts != AV_NOPTS_VALUE ? packet->pts : packet->dts;
+            const MovieSample sample{time, std::max<int64_t>(packet->duration, 1), packet->size,
+                                     (packet->flags & AV_PKT_FLAG_KEY) != 0};
+            // Samples refer to their bytes in the file; a packet that does not say where
+            // it lies is kept in memory instead.
+            std::vector<uint8_t> check;
+            if (packet->pos >= 0 && fileStore->read(packet->pos, packet->size, check)
+                && std::equal(check.begin(), check.end(), packet->data)) {
+                media.appendSample(sample, fileStore, packet->pos);
+            } else {
+                media.appendSample(sample, memoryStore, memoryStore->append(packet->data, static_cast<size_t>(packet->size), nullptr));
+            }
+        }
+        av_packet_unref(packet);
+    }
+    av_packet_free(&packet);
+    if (readResult < 0 && readResult != AVERROR_EOF) {
+        report(status, readFailure(path, ffmpegErrorText(readResult)));
+        return nullptr;
+    }
+
+    for (const auto& [index, track] : tracks) {
+        const MovieMedia& media = *track->media();
+        track->setRange({MovieTime::zero(), MovieTime{media.duration(), media.timeScale(), 0}});
+    }
+    movie->setHasVideo(movie->hasVideoTrack());
+    movie->setHasAudio(std::any_of(tracks.begin(), tracks.end(),
+                                   [](const auto& entry) { return entry.second->mediaType() == kSoundMediaType; }));
+    movie->setHasDuration(true);
+    movie->setDuration(movie->duration());
+    movie->setEditable(false);
+    if (naturalSize.width >= 1)
+        movie->setNaturalSize(naturalSize);
+    report(status, MovieStatus::success());
+    return movie;
+}
+
+} // namespace plyra

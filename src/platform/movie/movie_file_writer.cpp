@@ -1,0 +1,253 @@
+// SPDX-License-Identifier: MIT
+#include "platform/movie/movie_file_io_internal.h"
+
+#include "platform/log.h"
+#include "platform/movie/movie_codec_internal.h"
+
+extern "C" {
+#include <libavformat/avformat.h>
+}
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+namespace plyra {
+namespace {
+
+/// One track on its way into the file: its media, its stream and the next sample.
+struct TrackOutput {
+    const MovieMedia* media = nullptr;
+    AVStream* stream = nullptr;
+    size_t next = 0;
+};
+
+MovieStatus ffmpegFailure(const char* what, const std::string& path, int error)
+{
+    return MovieStatus::failure(error, formatString("Could not %s \"%s\": %s", what, path.c_str(),
+                                                    ffmpegErrorText(error).c_str()));
+}
+
+/// The file being written beside the target; removed unless it was renamed into place.
+class SideFile {
+public:
+    explicit SideFile(const std::string& target)
+    {
+        const size_t slash = target.find_last_of('/');
+        const std::string directory = slash == std::string::npos ? std::string(".") : target.substr(0, slash);
+        const std::string name = slash == std::string::npos ? target : target.substr(slash + 1);
+        std::string pattern = directory + "/." + name + ".XXXXXX";
+        std::vector<char> buffer(pattern.begin(), pattern.end());
+        buffer.push_back('\0');
+        const int fd = ::mkstemp(buffer.data());
+        if (fd >= 0) {
+            // mkstemp makes the file private; a saved movie is an ordinary document.
+            ::fchmod(fd, 0644);
+            ::close(fd);
+            m_path = buffer.data();
+        }
+    }
+    ~SideFile()
+    {
+        if (!m_path.empty())
+            ::unlink(m_path.c_str());
+    }
+    SideFile(const SideFile&) = delete;
+    SideFile& operator=(const SideFile&) = delete;
+
+    const std::string& path() const { return m_path; }
+    bool commit(const std::string& target)
+    {
+        if (std::rename(m_path.c_str(), target.c_str()) != 0)
+            return false;
+        m_path.clear();
+        return true;
+    }
+
+private:
+    std::string m_path;
+};
+
+/// The muxer of one output file.
+class MovieMuxer {
+public:
+    ~MovieMuxer()
+    {
+        if (m_context && m_context->pb)
+            avio_closep(&m_context->pb);
+        avformat_free_context(m_context);
+    }
+
+    MovieStatus open(const std::string& path)
+    {
+        m_path = path;
+        initializeFfmpegLogging();
+        const int made = avformat_alloc_output_context2(&m_context, nullptr, "mov", path.c_str());
+        if (made < 0 || !m_context)
+            return ffmpegFailure("set up the movie file", path, made < 0 ? made : AVERROR(ENOMEM));
+        return MovieStatus::success();
+    }
+
+    AVStream* addStream(const MovieMedia& media)
+    {
+        AVStream* stream = avformat_new_stream(m_context, nullptr);
+        if (!stream || avcodec_parameters_copy(stream->codecpar, media.codecParameters()->parameters) < 0)
+            return nullptr;
+        stream->time_base = AVRational{1, media.timeScale()};
+        return stream;
+    }
+
+    MovieStatus writeHeader(bool fastStart, int32_t videoTimeScale)
+    {
+        const int opened = avio_open(&m_context->pb, m_path.c_str(), AVIO_FLAG_WRITE);
+        if (opened < 0)
+            return ffmpegFailure("create", m_path, opened);
+        AVDictionary* options = nullptr;
+        if (fastStart)
+            av_dict_set(&options, "movflags", "+faststart", 0);
+        av_dict_set_int(&options, "movie_timescale", kMovieTimeScale, 0);
+        if (videoTimeScale > 0)
+            av_dict_set_int(&options, "video_track_timescale", videoTimeScale, 0);
+        const int written = avformat_write_header(m_context, &options);
+        av_dict_free(&options);
+        if (written < 0)
+            return ffmpegFailure("start writing", m_path, written);
+        return MovieStatus::success();
+    }
+
+    MovieStatus writeSample(TrackOutput& output)
+    {
+        const MovieSample& sample = output.media->sample(output.next);
+        std::vector<uint8_t> data = output.media->sampleData(output.next);
+        if (data.size() != static_cast<size_t>(sample.size))
+            return MovieStatus::failure(kMovieFileError, formatString(
+                "Could not read frame %zu of the movie's storage", output.next));
+        AVPacket* packet = av_packet_alloc();
+        if (!packet || av_new_packet(packet, static_cast<int>(data.size())) < 0) {
+            av_packet_free(&packet);
+            return MovieStatus::failure(kMovieMemoryError, "Out of memory while writing the movie");
+        }
+        std::memcpy(packet->data, data.data(), data.size());
+        packet->pts = packet->dts = sample.time;
+        packet->duration = sample.duration;
+        packet->flags = sample.sync ? AV_PKT_FLAG_KEY : 0;
+        packet->stream_index = output.stream->index;
+        av_packet_rescale_ts(packet, AVRational{1, output.media->timeScale()}, output.stream->time_base);
+        const int written = av_interleaved_write_frame(m_context, packet);
+        av_packet_free(&packet);
+        ++output.next;
+        if (written < 0)
+            return ffmpegFailure("write a frame to", m_path, written);
+        return MovieStatus::success();
+    }
+
+    MovieStatus finish()
+    {
+        const int ended = av_write_trailer(m_context);
+        const int closed = avio_closep(&m_context->pb);
+        if (ended < 0)
+            return ffmpegFailure("finish", m_path, ended);
+        if (closed < 0)
+            return ffmpegFailure("close", m_path, closed);
+        return MovieStatus::success();
+    }
+
+private:
+    AVFormatContext* m_context = nullptr;
+    std::string m_path;
+};
+
+std::vector<TrackOutput> tracksToWrite(const Movie& movie)
+{
+    std::vector<TrackOutput> outputs;
+    for (size_t i = 0; i < movie.trackCount(); ++i) {
+        const MovieMedia* media = movie.track(i)->media();
+        if (media && media->codecParameters() && media->sampleCount() > 0)
+            outputs.push_back({media, nullptr, 0});
+    }
+    return outputs;
+}
+
+/// The common time scale of the video tracks, or 0 when they differ.
+int32_t videoTimeScale(const std::vector<TrackOutput>& outputs)
+{
+    int32_t scale = 0;
+    for (const TrackOutput& output : outputs) {
+        if (output.media->mediaType() != kVideoMediaType)
+            continue;
+        if (scale != 0 && scale != output.media->timeScale())
+            return 0;
+        scale = output.media->timeScale();
+    }
+    return scale;
+}
+
+/// The track whose next sample comes first in time, or null when all are written.
+TrackOutput* nextInTime(std::vector<TrackOutput>& outputs)
+{
+    TrackOutput* earliest = nullptr;
+    double earliestSeconds = 0;
+    for (TrackOutput& output : outputs) {
+        if (output.next >= output.media->sampleCount())
+            continue;
+        const double seconds = MovieTime{output.media->sample(output.next).time, output.media->timeScale(), 0}.seconds();
+        if (!earliest || seconds < earliestSeconds) {
+            earliest = &output;
+            earliestSeconds = seconds;
+        }
+    }
+    return earliest;
+}
+
+MovieStatus muxInto(const std::string& path, std::vector<TrackOutput>& outputs, bool fastStart)
+{
+    MovieMuxer muxer;
+    MovieStatus status = muxer.open(path);
+    for (TrackOutput& output : outputs) {
+        if (!status.ok())
+            return status;
+        output.stream = muxer.addStream(*output.media);
+        if (!output.stream)
+            status = MovieStatus::failure(kMovieMemoryError, "Out of memory while describing a track");
+    }
+    if (status.ok())
+        status = muxer.writeHeader(fastStart, videoTimeScale(outputs));
+    while (status.ok()) {
+        TrackOutput* output = nextInTime(outputs);
+        if (!output)
+            return muxer.finish();
+        status = muxer.writeSample(*output);
+    }
+    return status;
+}
+
+} // namespace
+
+MovieStatus writeMovieFile(const Movie& movie, const std::string& path, bool fastStart)
+{
+    std::vector<TrackOutput> outputs = tracksToWrite(movie);
+    if (outputs.empty())
+        return MovieStatus::failure(kMovieInvalidMedia,
+                                    formatString("Could not write \"%s\": the movie has no frames", path.c_str()));
+    SideFile side(path);
+    if (side.path().empty())
+        return MovieStatus::failure(kMovieFileError, formatString(
+            "Could not write beside \"%s\": %s", path.c_str(), std::strerror(errno)));
+    MovieStatus status = muxInto(side.path(), outputs, fastStart);
+    if (!status.ok())
+        return status;
+    if (!side.commit(path))
+        return MovieStatus::failure(kMovieFileError, formatString(
+            "Could not move the finished movie to \"%s\": %s", path.c_str(), std::strerror(errno)));
+    return MovieStatus::success();
+}
+
+MovieStatus Movie::writeToFile(const std::string& path, bool flatten)
+{
+    return writeMovieFile(*this, path, flatten);
+}
+
+} // namespace plyra

@@ -1,0 +1,211 @@
+// SPDX-License-Identifier: MIT
+// Whole frames, from lines to pixels: the morpher computes the warp field, the job's
+// output image samples the pictures through it and the conversion renders the bytes.
+
+#include "engine/image_conversion.h"
+#include "engine/morph_calculation_job.h"
+#include "engine/morpher.h"
+#include "engine/morph_test_support.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdint>
+#include <cstdlib>
+#include <optional>
+
+namespace plyra {
+namespace {
+
+using test::makeLine;
+using test::staticLine;
+using test::withDissolve;
+
+// 64 × 48 at spacing 3: 23 × 17 nodes, rows exactly 3 pixels apart, so the last image's
+// whole-pixel rows fall on the node rows and a field without motion samples every pixel
+// at its own centre.
+constexpr int kWidth = 64;
+constexpr int kHeight = 48;
+constexpr float kSpacing = 3.0f;
+
+using Pixel = std::array<std::uint8_t, 4>;
+
+Bitmap texture(int seed)
+{
+    Bitmap bitmap(kWidth, kHeight);
+    for (int y = 0; y < kHeight; ++y)
+        for (int x = 0; x < kWidth; ++x)
+            bitmap.setPixel(x, y, {static_cast<std::uint8_t>((x * 13 + y * 7 + seed * 31) % 256),
+                                   static_cast<std::uint8_t>((x * x + y * 3 * seed) % 256),
+                                   static_cast<std::uint8_t>((x * y + seed * 90) % 256), 255});
+    return bitmap;
+}
+
+Bitmap solid(Pixel colour)
+{
+    Bitmap bitmap(kWidth, kHeight);
+    bitmap.fill(colour);
+    return bitmap;
+}
+
+/// Three horizontal lines that move by (dx, dy) in unit coordinates from the first image
+/// to the last, so every point of the frame moves by exactly that.
+std::vector<MorphLine::Ptr> translatingLines(float dx, float dy)
+{
+    std::vector<MorphLine::Ptr> lines;
+    for (const float y : {0.2f, 0.5f, 0.8f})
+        lines.push_back(makeLine({0.2f, y}, {0.7f, y}, {0.2f + dx, y + dy}, {0.7f + dx, y + dy}));
+    return lines;
+}
+
+std::vector<MorphLine::Ptr> stillLines()
+{
+    return translatingLines(0.0f, 0.0f);
+}
+
+/// Renders the frame at time t on the calling thread.
+Bitmap frame(const Image& first, const Image& last, const std::vector<MorphLine::Ptr>& lines, float t)
+{
+    const Morpher::Ptr morpher = Morpher::create(first, last, lines);
+    const auto job = MorphCalculationJob::create(t, {float(kWidth), float(kHeight)}, kSpacing);
+    job->setTrack0Image(first);
+    job->setTrack1Image(last);
+    morpher->processMorphCalculationJob(*job);
+    const std::optional<Bitmap> bitmap = bitmapFromImage(job->outputImage());
+    EXPECT_TRUE(bitmap.has_value());
+    return bitmap.value_or(Bitmap());
+}
+
+/// Counts the pixels of the block [x0, x1) × [y0, y1) whose channels differ from the
+/// expected ones by more than `tolerance`.
+template <typename Expected>
+int mismatches(const Bitmap& actual, int x0, int y0, int x1, int y1, int tolerance, Expected expected)
+{
+    int bad = 0;
+    for (int y = y0; y < y1; ++y) {
+        for (int x = x0; x < x1; ++x) {
+            const Pixel a = actual.pixel(x, y);
+            const Pixel e = expected(x, y);
+            for (int c = 0; c < 4; ++c) {
+                if (std::abs(int(a[c]) - int(e[c])) > tolerance) {
+                    if (bad < 3)
+                        ADD_FAILURE() << "pixel (" << x << ", " << y << ") channel " << c << " is " << int(a[c])
+                                      << ", expected " << int(e[c]);
+                    ++bad;
+                    break;
+                }
+            }
+        }
+    }
+    return bad;
+}
+
+TEST(FramePixels, LinesThatDoNotMoveGiveTheFirstImageAtTime0AndTheLastAtTime1)
+{
+    const Bitmap firstPixels = texture(1), lastPixels = texture(2);
+    const Image first = Image::fromBitmap(firstPixels), last = Image::fromBitmap(lastPixels);
+    const Bitmap start = frame(first, last, stillLines(), 0.0f);
+    ASSERT_EQ(start.width(), kWidth);
+    ASSERT_EQ(start.height(), kHeight);
+    EXPECT_EQ(mismatches(start, 0, 0, kWidth, kHeight, 1, [&](int x, int y) { return firstPixels.pixel(x, y); }), 0);
+    const Bitmap end = frame(first, last, stillLines(), 1.0f);
+    EXPECT_EQ(mismatches(end, 0, 0, kWidth, kHeight, 1, [&](int x, int y) { return lastPixels.pixel(x, y); }), 0);
+}
+
+TEST(FramePixels, TranslatingLinesShiftTheFirstImage)
+{
+    // At time 1 the lines stand 8 pixels right of and 6 above their place on the first
+    // image; with the dissolve held back until the very end, the frame shows the first
+    // image moved by that much.
+    const Bitmap firstPixels = texture(3);
+    std::vector<MorphLine::Ptr> lines = translatingLines(8.0f / kWidth, 6.0f / kHeight);
+    for (auto& line : lines)
+        withDissolve(line, 1.0f, 1.0f);
+    const Bitmap shifted = frame(Image::fromBitmap(firstPixels), Image::fromBitmap(texture(4)), lines, 1.0f);
+    EXPECT_EQ(mismatches(shifted, 8, 6, kWidth, kHeight, 1, [&](int x, int y) { return firstPixels.pixel(x - 8, y - 6); }), 0);
+    // Beyond the picture's edge the edge pixels repeat.
+    EXPECT_EQ(mismatches(shifted, 0, 6, 8, kHeight, 1, [&](int, int y) { return firstPixels.pixel(0, y - 6); }), 0);
+}
+
+TEST(FramePixels, TranslatingLinesShiftTheLastImage)
+{
+    // At time 0 the last image is sampled 8 pixels right and 6.4 above each pixel; its
+    // rows are taken whole, so 6.4 reads row + 6.
+    const Bitmap lastPixels = texture(5);
+    std::vector<MorphLine::Ptr> lines = translatingLines(8.0f / kWidth, 6.4f / kHeight);
+    for (auto& line : lines)
+        withDissolve(line, 0.0f, 0.0f);
+    const Bitmap shifted = frame(Image::fromBitmap(texture(6)), Image::fromBitmap(lastPixels), lines, 0.0f);
+    EXPECT_EQ(mismatches(shifted, 0, 0, kWidth - 8, kHeight - 7, 1,
+                         [&](int x, int y) { return lastPixels.pixel(x + 8, y + 6); }),
+              0);
+}
+
+TEST(FramePixels, TheDissolveFactorBlendsTheTwoImages)
+{
+    const Image first = Image::fromBitmap(solid({200, 100, 40, 255}));
+    const Image last = Image::fromBitmap(solid({0, 100, 240, 255}));
+    const Bitmap quarter = frame(first, last, stillLines(), 0.25f);
+    EXPECT_EQ(mismatches(quarter, 0, 0, kWidth, kHeight, 1, [](int, int) { return Pixel{150, 100, 90, 255}; }), 0);
+
+    // Lines may dissolve at different times: at t = 0.5 the picture around a line that
+    // dissolved in the first half already shows the last image, around one that
+    // dissolves in the second half still the first.
+    const auto early = withDissolve(staticLine({0.05f, 0.1f}, {0.05f, 0.9f}), 0.0f, 0.5f);
+    const auto late = withDissolve(staticLine({0.95f, 0.1f}, {0.95f, 0.9f}), 0.5f, 1.0f);
+    const Bitmap half = frame(first, last, {early, late}, 0.5f);
+    const Pixel nearEarly = half.pixel(3, 24), nearLate = half.pixel(60, 24), middle = half.pixel(32, 24);
+    EXPECT_LT(nearEarly[0], 20);
+    EXPECT_GT(nearLate[0], 180);
+    EXPECT_GT(middle[0], nearEarly[0]);
+    EXPECT_LT(middle[0], nearLate[0]);
+}
+
+TEST(FramePixels, OnlyTheLastImageIsWarpedByItsOwnPositions)
+{
+    const Bitmap lastPixels = texture(7);
+    const Image last = Image::fromBitmap(lastPixels);
+    const Bitmap still = frame(Image(), last, stillLines(), 0.5f);
+    EXPECT_EQ(mismatches(still, 0, 0, kWidth, kHeight, 1, [&](int x, int y) { return lastPixels.pixel(x, y); }), 0);
+
+    const Bitmap shifted = frame(Image(), last, translatingLines(8.0f / kWidth, 6.4f / kHeight), 0.0f);
+    EXPECT_EQ(mismatches(shifted, 0, 0, kWidth - 8, kHeight - 7, 1,
+                         [&](int x, int y) { return lastPixels.pixel(x + 8, y + 6); }),
+              0);
+}
+
+TEST(FramePixels, WorkersComputeFramesTheMainThreadOnlyPolls)
+{
+    const Bitmap firstPixels = texture(8), lastPixels = texture(9);
+    const Morpher::Ptr morpher =
+        Morpher::create(Image::fromBitmap(firstPixels), Image::fromBitmap(lastPixels), stillLines());
+    std::vector<MorphCalculationJob::Ptr> jobs;
+    for (const float t : {0.0f, 0.5f, 1.0f})
+        jobs.push_back(MorphCalculationJob::create(t, {float(kWidth), float(kHeight)}, kSpacing));
+    morpher->runMorphCalculationJobs(jobs);
+    std::vector<std::optional<Bitmap>> frames(jobs.size());
+    for (std::size_t done = 0; done < jobs.size();) {
+        done = 0;
+        for (std::size_t k = 0; k < jobs.size(); ++k) {
+            if (!frames[k] && jobs[k]->isDone())
+                frames[k] = bitmapFromImage(jobs[k]->outputImage());
+            done += frames[k] ? 1 : 0;
+        }
+        std::this_thread::yield();
+    }
+    morpher->clearJobQueue();
+    EXPECT_EQ(mismatches(*frames[0], 0, 0, kWidth, kHeight, 1, [&](int x, int y) { return firstPixels.pixel(x, y); }), 0);
+    EXPECT_EQ(mismatches(*frames[2], 0, 0, kWidth, kHeight, 1, [&](int x, int y) { return lastPixels.pixel(x, y); }), 0);
+    // Halfway, each pixel lies between the two pictures' values.
+    EXPECT_EQ(mismatches(*frames[1], 0, 0, kWidth, kHeight, 1,
+                         [&](int x, int y) {
+                             const Pixel a = firstPixels.pixel(x, y), b = lastPixels.pixel(x, y);
+                             return Pixel{static_cast<std::uint8_t>((a[0] + b[0] + 1) / 2),
+                                          static_cast<std::uint8_t>((a[1] + b[1] + 1) / 2),
+                                          static_cast<std::uint8_t>((a[2] + b[2] + 1) / 2), 255};
+                         }),
+              0);
+}
+
+} // namespace
+} // namespace plyra

@@ -12,9 +12,10 @@ Exception::Exception(std::string name, std::string reason, ErrorPtr error)
 {
 }
 
-Exception Exception::internalInconsistency(std::string reason, const char* function, const char* file, int line)
+Exception Exception::internalInconsistency(std::string reason, const char* function, const char* file, int line,
+                                           ErrorPtr error)
 {
-    Exception exception(kInternalInconsistencyException, std::move(reason));
+    Exception exception(kInternalInconsistencyException, std::move(reason), std::move(error));
     exception.m_location = formatString("%s, %s:%d", function, file, line);
     return exception;
 }

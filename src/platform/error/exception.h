@@ -18,8 +18,10 @@ class Exception : public std::exception {
 public:
     Exception(std::string name, std::string reason, ErrorPtr error = nullptr);
 
-    /// An internal-inconsistency exception that names where it was raised.
-    static Exception internalInconsistency(std::string reason, const char* function, const char* file, int line);
+    /// An internal-inconsistency exception that names where it was raised, optionally
+    /// carrying the error behind it.
+    static Exception internalInconsistency(std::string reason, const char* function, const char* file, int line,
+                                           ErrorPtr error = nullptr);
 
     const std::string& name() const { return m_name; }
     const std::string& reason() const { return m_reason; }

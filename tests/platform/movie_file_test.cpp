@@ -285,8 +285,9 @@ TEST(MovieFile, TruncatedMovieIsRefused)
         MovieFrameDecoder decoder(*track->media());
         for (size_t i = 0; i < 3; ++i) {
             MovieStatus decoded;
-            if (!decoder.decode(i, &decoded))
+            if (!decoder.decode(i, &decoded)) {
                 EXPECT_FALSE(decoded.message.empty());
+            }
         }
     } else {
         EXPECT_FALSE(status.message.empty());

@@ -10,7 +10,11 @@
 #include <oneapi/tbb/task_arena.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
+#include <functional>
+#include <thread>
+#include <vector>
 
 namespace plyra {
 namespace {
@@ -41,6 +45,40 @@ int tileRowsFor(const RenderOptions& options, int width)
     return std::max(1, (minimumPixels + width - 1) / std::max(width, 1));
 }
 
+#if defined(__SANITIZE_THREAD__)
+// ThreadSanitizer cannot follow oneTBB's hand-over of tasks, which happens inside the
+// uninstrumented libtbb, and would report every tile. Sanitizer builds therefore run the
+// same tiles on plain threads taking tiles from a shared counter, which it can follow;
+// the work of a tile is the same code either way.
+void runTiles(int tiles, int maxThreads, const std::function<void(int)>& renderTile)
+{
+    const int available = std::max(static_cast<int>(std::thread::hardware_concurrency()), 2);
+    const int count = std::min(maxThreads > 0 ? maxThreads : available, tiles);
+    std::atomic<int> next{0};
+    auto work = [&] {
+        for (int tile = next.fetch_add(1); tile < tiles; tile = next.fetch_add(1))
+            renderTile(tile);
+    };
+    std::vector<std::thread> helpers;
+    for (int k = 1; k < count; ++k)
+        helpers.emplace_back(work);
+    work();
+    for (std::thread& helper : helpers)
+        helper.join();
+}
+#else
+void runTiles(int tiles, int maxThreads, const std::function<void(int)>& renderTile)
+{
+    tbb::task_arena arena(maxThreads > 0 ? maxThreads : tbb::task_arena::automatic);
+    arena.execute([&] {
+        tbb::parallel_for(tbb::blocked_range<int>(0, tiles, 1), [&](const tbb::blocked_range<int>& range) {
+            for (int tile = range.begin(); tile != range.end(); ++tile)
+                renderTile(tile);
+        });
+    });
+}
+#endif
+
 } // namespace
 
 Bitmap renderToBitmap(const Image& image, const Rect& rect, const RenderOptions& options)
@@ -59,19 +97,17 @@ Bitmap renderToBitmap(const Image& image, const Rect& rect, const RenderOptions&
     const int rowsPerTile = tileRowsFor(options, width);
     const int tiles = (height + rowsPerTile - 1) / rowsPerTile;
 
-    auto renderTiles = [&](const tbb::blocked_range<int>& range) {
-        for (int tile = range.begin(); tile != range.end(); ++tile) {
-            const int firstRow = tile * rowsPerTile;
-            const PixelRect region{originX, originY + firstRow, width, std::min(rowsPerTile, height - firstRow)};
-            renderRegion(image, region, bitmap.row(firstRow), static_cast<std::ptrdiff_t>(bitmap.bytesPerRow()));
-        }
+    auto renderTile = [&](int tile) {
+        const int firstRow = tile * rowsPerTile;
+        const PixelRect region{originX, originY + firstRow, width, std::min(rowsPerTile, height - firstRow)};
+        renderRegion(image, region, bitmap.row(firstRow), static_cast<std::ptrdiff_t>(bitmap.bytesPerRow()));
     };
     if (options.maxThreads == 1 || tiles == 1) {
-        renderTiles(tbb::blocked_range<int>(0, tiles));
-        return bitmap;
+        for (int tile = 0; tile < tiles; ++tile)
+            renderTile(tile);
+    } else {
+        runTiles(tiles, options.maxThreads, renderTile);
     }
-    tbb::task_arena arena(options.maxThreads > 0 ? options.maxThreads : tbb::task_arena::automatic);
-    arena.execute([&] { tbb::parallel_for(tbb::blocked_range<int>(0, tiles, 1), renderTiles); });
     return bitmap;
 }
 

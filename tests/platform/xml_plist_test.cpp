@@ -262,6 +262,28 @@ TEST(XmlPropertyList, DeepXmlNestingFailsCleanly)
     for (int i = 0; i < 600; ++i)
         body += "</array>";
     EXPECT_EQ(parseError(bytesOf(xmlDocument(body))), "containers nested deeper than 512 levels");
+    // Deep enough to exhaust the stack of a recursive reader; refused before any parsing.
+    std::string deep;
+    for (int i = 0; i < 300000; ++i)
+        deep += "<dict><key>k</key>";
+    EXPECT_EQ(parseError(bytesOf(xmlDocument(deep))), "containers nested deeper than 512 levels");
+}
+
+TEST(XmlPropertyList, EmptyContainerTagsDoNotNest)
+{
+    std::string body = "<array>";
+    for (int i = 0; i < 1000; ++i)
+        body += "<array/><dict/>";
+    body += "</array>";
+    const PropertyList value = parseOrFail(bytesOf(xmlDocument(body)));
+    ASSERT_TRUE(value.array());
+    EXPECT_EQ(value.array()->size(), 2000u);
+}
+
+TEST(XmlPropertyList, NulByteInXmlFails)
+{
+    EXPECT_EQ(parseError(bytesOf(xmlDocument(std::string("<string>a\0b</string>", 20)))),
+        "the XML property list contains a NUL byte");
 }
 
 // ---- Binary form ----------------------------------------------------------------------

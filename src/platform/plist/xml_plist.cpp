@@ -48,6 +48,9 @@ private:
     bool convertArray(plist_t node, int depth, PropertyList& out);
     bool convertDictionary(plist_t node, int depth, PropertyList& out);
     static PropertyList convertLeaf(plist_t node);
+    static PropertyList dateValue(plist_t node);
+    static PropertyList dataValue(plist_t node);
+    static PropertyList stringValue(plist_t node);
     bool fail(std::string message);
 
     std::string m_error;
@@ -153,28 +156,38 @@ PropertyList PlistImporter::convertLeaf(plist_t node)
         plist_get_real_val(node, &value);
         return PropertyList(value);
     }
-    case PLIST_DATE: {
-        // Seconds since 2001-01-01 00:00 UTC, the reference date of property lists.
-        std::int32_t seconds = 0;
-        std::int32_t microseconds = 0;
-        plist_get_date_val(node, &seconds, &microseconds);
-        return PropertyList(static_cast<double>(seconds) + static_cast<double>(microseconds) / 1e6);
+    case PLIST_DATE:
+        return dateValue(node);
+    case PLIST_DATA:
+        return dataValue(node);
+    default:
+        return stringValue(node);
     }
-    case PLIST_DATA: {
-        char* raw = nullptr;
-        std::uint64_t length = 0;
-        plist_get_data_val(node, &raw, &length);
-        const MallocPointer<char> bytes(raw);
-        const auto* begin = reinterpret_cast<const std::uint8_t*>(raw);
-        return PropertyList(raw ? PropertyList::Data(begin, begin + length) : PropertyList::Data());
-    }
-    default: {
-        // The pointer form, because the copying one asserts on an embedded NUL.
-        std::uint64_t length = 0;
-        const char* text = plist_get_string_ptr(node, &length);
-        return PropertyList(text ? std::string(text, static_cast<std::size_t>(length)) : std::string());
-    }
-    }
+}
+
+PropertyList PlistImporter::dateValue(plist_t node)
+{
+    // Seconds since 2001-01-01 00:00 UTC, the reference date of property lists.
+    std::int32_t seconds = 0;
+    std::int32_t microseconds = 0;
+    plist_get_date_val(node, &seconds, &microseconds);
+    return PropertyList(static_cast<double>(seconds) + static_cast<double>(microseconds) / 1e6);
+}
+
+PropertyList PlistImporter::dataValue(plist_t node)
+{
+    std::uint64_t length = 0;
+    const char* bytes = plist_get_data_ptr(node, &length);
+    const auto* begin = reinterpret_cast<const std::uint8_t*>(bytes);
+    return PropertyList(bytes ? PropertyList::Data(begin, begin + length) : PropertyList::Data());
+}
+
+PropertyList PlistImporter::stringValue(plist_t node)
+{
+    // The pointer form, because the copying one asserts on an embedded NUL.
+    std::uint64_t length = 0;
+    const char* text = plist_get_string_ptr(node, &length);
+    return PropertyList(text ? std::string(text, static_cast<std::size_t>(length)) : std::string());
 }
 
 bool PlistImporter::fail(std::string message)

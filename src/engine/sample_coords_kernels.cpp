@@ -70,8 +70,9 @@ float sanePosition(float value, float fallback)
 /// A node's five values: positions in both images and the dissolve factor, decoded from
 /// its four floats. The fourth float packs the last image's row (its integer part) and
 /// half the dissolve factor (its fraction); both are decoded here, before any
-/// interpolation, because the packed number cannot be interpolated as a whole. The row
-/// is read at its centre, row + 0.5: the true position lay somewhere in that row.
+/// interpolation, because the packed number cannot be interpolated as a whole. The whole
+/// row is taken as the vertical position: exact where node rows fall on whole pixels
+/// (the spacing divides the height), otherwise up to one row low.
 /// Non-finite values fall back to the node's own position and no dissolve.
 void readNode(const SamplerView& coords, const GridGeometry& g, int i, int j, float out[GridRow::ChannelCount])
 {
@@ -83,7 +84,7 @@ void readNode(const SamplerView& coords, const GridGeometry& g, int i, int j, fl
     out[GridRow::LastX] = sanePosition(p[2], ownX);
     if (std::isfinite(p[3])) {
         const float row = std::floor(p[3]);
-        out[GridRow::LastY] = std::clamp(row, -kPositionLimit, kPositionLimit) + 0.5f;
+        out[GridRow::LastY] = std::clamp(row, -kPositionLimit, kPositionLimit);
         out[GridRow::Dissolve] = std::clamp(2.0f * (p[3] - row), 0.0f, 1.0f);
     } else {
         out[GridRow::LastY] = ownY;
@@ -91,26 +92,72 @@ void readNode(const SamplerView& coords, const GridGeometry& g, int i, int j, fl
     }
 }
 
-/// Interpolates node rows j and j + 1 at fraction fy for `count` columns from firstColumn.
-void fillGridRow(const SamplerView& coords, const GridGeometry& g, int j, float fy, int firstColumn, int count,
-                 GridRow& row)
-{
-    const int jNext = std::min(j + 1, g.ny - 1);
-    for (int k = 0; k < count; ++k) {
-        float below[GridRow::ChannelCount];
-        float above[GridRow::ChannelCount];
-        readNode(coords, g, firstColumn + k, j, below);
-        readNode(coords, g, firstColumn + k, jNext, above);
-        for (int ch = 0; ch < GridRow::ChannelCount; ++ch)
-            row.value[ch][k] = below[ch] + (above[ch] - below[ch]) * fy;
+/// The decoded nodes of the two node rows around the current output row, for the
+/// columns a tile uses. Output rows between the same two node rows (about r of them)
+/// share one decoding.
+class NodeRowPair {
+public:
+    NodeRowPair(const SamplerView& coords, const GridGeometry& g, int firstColumn, int count)
+        : m_coords(coords), m_g(g), m_firstColumn(firstColumn), m_count(count)
+    {
+        for (int ch = 0; ch < GridRow::ChannelCount; ++ch) {
+            m_below[ch].resize(static_cast<std::size_t>(count));
+            m_above[ch].resize(static_cast<std::size_t>(count));
+        }
     }
-    for (int ch = 0; ch < GridRow::ChannelCount; ++ch) {
-        for (int k = 0; k + 1 < count; ++k)
-            row.delta[ch][k] = row.value[ch][k + 1] - row.value[ch][k];
-        std::fill(row.value[ch].begin() + count, row.value[ch].end(), row.value[ch][count - 1]);
-        std::fill(row.delta[ch].begin() + count - 1, row.delta[ch].end(), 0.0f);
+
+    /// Interpolates node rows j and j + 1 at fraction fy into `row`, with the differences
+    /// between neighbouring columns and the spare entries at the end.
+    void interpolate(int j, float fy, GridRow& row)
+    {
+        decode(j);
+        for (int ch = 0; ch < GridRow::ChannelCount; ++ch) {
+            const float* below = m_below[ch].data();
+            const float* above = m_above[ch].data();
+            float* value = row.value[ch].data();
+            float* delta = row.delta[ch].data();
+            for (int k = 0; k < m_count; ++k)
+                value[k] = below[k] + (above[k] - below[k]) * fy;
+            for (int k = 0; k + 1 < m_count; ++k)
+                delta[k] = value[k + 1] - value[k];
+            std::fill(row.value[ch].begin() + m_count, row.value[ch].end(), value[m_count - 1]);
+            std::fill(row.delta[ch].begin() + m_count - 1, row.delta[ch].end(), 0.0f);
+        }
     }
-}
+
+private:
+    void decode(int j)
+    {
+        if (j == m_row)
+            return;
+        if (j == m_row + 1 && j + 1 < m_g.ny) {
+            std::swap(m_below, m_above);
+            decodeRow(j + 1, m_above);
+        } else {
+            decodeRow(j, m_below);
+            decodeRow(std::min(j + 1, m_g.ny - 1), m_above);
+        }
+        m_row = j;
+    }
+
+    void decodeRow(int j, std::vector<float> (&out)[GridRow::ChannelCount]) const
+    {
+        for (int k = 0; k < m_count; ++k) {
+            float node[GridRow::ChannelCount];
+            readNode(m_coords, m_g, m_firstColumn + k, j, node);
+            for (int ch = 0; ch < GridRow::ChannelCount; ++ch)
+                out[ch][static_cast<std::size_t>(k)] = node[ch];
+        }
+    }
+
+    const SamplerView& m_coords;
+    const GridGeometry& m_g;
+    int m_firstColumn;
+    int m_count;
+    int m_row = -2;
+    std::vector<float> m_below[GridRow::ChannelCount];
+    std::vector<float> m_above[GridRow::ChannelCount];
+};
 
 ImageTaps tapsFor(const SamplerView& view)
 {
@@ -183,11 +230,12 @@ void runSampling(const KernelCall& call, int imageCount, bool useLastPositions)
     job.twoImages = imageCount == 2;
     job.useLastPositions = useLastPositions;
     const bool simd = g_path.load(std::memory_order_relaxed) == SamplingPath::Fastest;
+    NodeRowPair nodes(coords, g, firstColumn, count);
     for (int y = out.y; y < out.y + out.height; ++y) {
         int j = 0;
         float fy = 0.0f;
         cellOf(float(y) + 0.5f, g.extent.y, g.rowsPerPixel, g.ny, j, fy);
-        fillGridRow(coords, g, j, fy, firstColumn, count, grid);
+        nodes.interpolate(j, fy, grid);
         job.out = out.at(out.x, y);
         if (simd)
             sampleRowSimd(job);

@@ -89,6 +89,27 @@ HWY_INLINE VI clampIndex(VI v, VI low, VI high)
     return hn::Min(hn::Max(v, low), high);
 }
 
+/// The texels at the lanes' pixel indexes and the texels just after them.
+struct TexelPairs {
+    VU left;
+    VU right;
+};
+
+/// Reads 8-byte pairs of neighbouring texels: half as many gathered elements as reading
+/// the two texels of a row separately, and gathers bound the loop.
+HWY_INLINE TexelPairs gatherPairs(const std::uint32_t* pixels, VI index)
+{
+    const DU du;
+    const hn::Half<DI> dh;
+    const hn::Rebind<std::int64_t, hn::Half<DI>> d64;
+    const hn::RebindToUnsigned<decltype(d64)> du64;
+    const VI bytes = hn::ShiftLeft<2>(index);
+    const auto base = reinterpret_cast<const std::uint64_t*>(pixels);
+    const auto lo = hn::BitCast(du, hn::GatherOffset(du64, base, hn::PromoteTo(d64, hn::LowerHalf(dh, bytes))));
+    const auto hi = hn::BitCast(du, hn::GatherOffset(du64, base, hn::PromoteTo(d64, hn::UpperHalf(dh, bytes))));
+    return {hn::ConcatEven(du, hi, lo), hn::ConcatOdd(du, hi, lo)};
+}
+
 /// Bilinear read of one image at output positions (x, y): channels with 7 fraction bits.
 HWY_INLINE PixelHalves sampleImage(const ImageTaps& taps, VF x, VF y)
 {
@@ -107,22 +128,27 @@ HWY_INLINE PixelHalves sampleImage(const ImageTaps& taps, VF x, VF y)
     const VI wx = hn::ConvertTo(di, hn::Mul(hn::Sub(u, fu), hn::Set(df, kWeightScale)));
     const VI wy = hn::ConvertTo(di, hn::Mul(hn::Sub(v, fv), hn::Set(df, kWeightScale)));
 
-    const VI one = hn::Set(di, 1);
     const VI originX = hn::Set(di, taps.originX);
     const VI lastX = hn::Set(di, taps.lastX);
     const VI originY = hn::Set(di, taps.originY);
     const VI lastY = hn::Set(di, taps.lastY);
     const VI stride = hn::Set(di, taps.stride);
+    // Each row is read as one 8-byte pair (texel i0, texel i0 + 1). Where the left texel
+    // is clamped to an edge, both taps are that texel, so the pair's weight becomes 0
+    // (bitmaps keep spare bytes after their last pixel for the unused right one).
+    const auto clamped = hn::Or(hn::Lt(i, originX), hn::Gt(i, hn::Sub(lastX, hn::Set(di, 1))));
+    const VI wxUsed = hn::IfThenZeroElse(clamped, wx);
     const VI i0 = hn::Sub(clampIndex(i, originX, lastX), originX);
-    const VI i1 = hn::Sub(clampIndex(hn::Add(i, one), originX, lastX), originX);
     const VI j0 = hn::Mul(hn::Sub(clampIndex(j, originY, lastY), originY), stride);
-    const VI j1 = hn::Mul(hn::Sub(clampIndex(hn::Add(j, one), originY, lastY), originY), stride);
+    const VI j1 = hn::Mul(hn::Sub(clampIndex(hn::Add(j, hn::Set(di, 1)), originY, lastY), originY), stride);
 
-    const PixelHalves p00 = unpack(hn::GatherIndex(du, taps.pixels, hn::Add(j0, i0)));
-    const PixelHalves p10 = unpack(hn::GatherIndex(du, taps.pixels, hn::Add(j0, i1)));
-    const PixelHalves p01 = unpack(hn::GatherIndex(du, taps.pixels, hn::Add(j1, i0)));
-    const PixelHalves p11 = unpack(hn::GatherIndex(du, taps.pixels, hn::Add(j1, i1)));
-    const PixelHalves weightX = spread(wx);
+    const TexelPairs bottom = gatherPairs(taps.pixels, hn::Add(j0, i0));
+    const TexelPairs top = gatherPairs(taps.pixels, hn::Add(j1, i0));
+    const PixelHalves p00 = unpack(bottom.left);
+    const PixelHalves p10 = unpack(bottom.right);
+    const PixelHalves p01 = unpack(top.left);
+    const PixelHalves p11 = unpack(top.right);
+    const PixelHalves weightX = spread(wxUsed);
     const PixelHalves weightY = spread(wy);
     const VS16 bottomLo = lerpScaled(p00.lo, p10.lo, weightX.lo);
     const VS16 bottomHi = lerpScaled(p00.hi, p10.hi, weightX.hi);

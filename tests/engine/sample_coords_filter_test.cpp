@@ -351,22 +351,32 @@ TEST(SampleCoordsKernels, IdentityGridReproducesTheFirstImage)
     }
 }
 
-TEST(SampleCoordsKernels, IdentityGridReproducesTheLastImageUpToItsWholeRows)
+TEST(SampleCoordsKernels, IdentityGridReproducesTheLastImageWhenNodeRowsAreWholePixels)
 {
-    // The last image's rows are packed as whole pixels; the node at y = 8 reads row 8,
-    // whose centre is 8.5, so between nodes the picture sits half a row higher.
+    // The last image's rows are packed as whole pixels; with nodes 8 pixels apart no
+    // position loses anything.
     const Bitmap source = test::textureBitmap(64, 48);
     const Image out = makeFilter(Image::fromBitmap(test::uniformBitmap(64, 48, {9, 9, 9, 255})),
                                  Image::fromBitmap(source), identityCoords(9, 7, 64, 48, 1), 8, {0, 0, 64, 48})
                           .outputImage();
-    const Bitmap result = render(out, {0, 0, 64, 48});
-    for (int y = 0; y < 48; ++y)
-        for (int x = 0; x < 64; ++x) {
-            const auto a = source.pixel(x, y);
-            const auto b = source.pixel(x, std::min(y + 1, 47));
-            expectNear(result.pixel(x, y),
-                       {(a[0] + b[0] + 1) / 2, (a[1] + b[1] + 1) / 2, (a[2] + b[2] + 1) / 2, 255}, 1, x, y);
-        }
+    EXPECT_TRUE(render(out, {0, 0, 64, 48}).samePixels(source));
+}
+
+TEST(SampleCoordsKernels, LastImageRowsBetweenWholePixelsAreRoundedDown)
+{
+    // Node rows 6 + 4/7 pixels apart: a node at y = 13.71 keeps row 13, so the pixel
+    // there reads up to a row lower, never more.
+    const Bitmap source = test::patternBitmap(16, 48, [](int, int y) {
+        return std::array<std::uint8_t, 4>{std::uint8_t(y * 5), 0, 0, 255};
+    });
+    const Image out = makeFilter({}, Image::fromBitmap(source), identityCoords(3, 8, 16, 48, 0), 7, {0, 0, 16, 48})
+                          .outputImage();
+    const Bitmap result = render(out, {0, 0, 16, 48});
+    for (int y = 0; y < 48; ++y) {
+        const int value = result.pixel(8, y)[0];
+        EXPECT_LE(value, y * 5) << y;
+        EXPECT_GE(value, std::max(y - 1, 0) * 5) << y;
+    }
 }
 
 TEST(SampleCoordsKernels, ShiftedGridShiftsTheImage)

@@ -10,8 +10,8 @@ namespace plyra {
 Bitmap::Bitmap(int width, int height, std::size_t bytesPerRow)
     : m_width(std::max(width, 0))
     , m_height(std::max(height, 0))
-    , m_bytesPerRow(std::max(bytesPerRow, static_cast<std::size_t>(m_width) * kBytesPerPixel))
-    , m_pixels(m_bytesPerRow * static_cast<std::size_t>(m_height), 0)
+    , m_bytesPerRow((std::max(bytesPerRow, static_cast<std::size_t>(m_width) * kBytesPerPixel) + 3) / 4 * 4)
+    , m_pixels(m_bytesPerRow * static_cast<std::size_t>(m_height) + kSpareBytes, 0)
 {
     if (m_width == 0 || m_height == 0) {
         m_width = m_height = 0;

@@ -15,10 +15,13 @@ namespace plyra {
 class Bitmap {
 public:
     static constexpr int kBytesPerPixel = 4;
+    /// Bytes kept after the last pixel, so that readers may load a pixel pair starting
+    /// at the last pixel without leaving the buffer.
+    static constexpr std::size_t kSpareBytes = 16;
 
     Bitmap() = default;
     /// A transparent bitmap; negative sizes count as zero. Rows are width × 4 bytes
-    /// unless a larger bytesPerRow is given.
+    /// unless a larger bytesPerRow is given (rounded up to whole pixels).
     Bitmap(int width, int height, std::size_t bytesPerRow = 0);
 
     int width() const { return m_width; }

@@ -14,7 +14,7 @@ struct RenderOptions {
     /// Rows per tile; 0 chooses from minimumTilePixels.
     int tileRows = 0;
     /// No tile gets fewer pixels than this (unless the whole picture is smaller).
-    int minimumTilePixels = 16384;
+    int minimumTilePixels = 32768;
 };
 
 /// Renders the part `rect` of an image into a new 8-bit premultiplied RGBA bitmap of

@@ -9,7 +9,8 @@
 namespace plyra {
 namespace {
 
-constexpr std::uint8_t kTransparentPixel[4] = {0, 0, 0, 0};
+// One transparent pixel, with spare bytes like a Bitmap for readers of pixel pairs.
+alignas(8) constexpr std::uint8_t kTransparentPixel[16] = {};
 
 // Maps image space to texel coordinates of a level: texel (i, j) of level L covers image
 // pixels [2^L·i, 2^L·(i + 1)) from the extent's origin and is centred on (i, j).

@@ -95,6 +95,7 @@ void readNode(const SamplerView& coords, const GridGeometry& g, int i, int j, fl
 /// The decoded nodes of the two node rows around the current output row, for the
 /// columns a tile uses. Output rows between the same two node rows (about r of them)
 /// share one decoding.
+/// Threads: scratch of one tile on one thread.
 class NodeRowPair {
 public:
     NodeRowPair(const SamplerView& coords, const GridGeometry& g, int firstColumn, int count)
@@ -192,50 +193,65 @@ void fillColumns(const KernelOutput& out, const GridGeometry& g, std::vector<int
         column[x] -= firstColumn;
 }
 
+/// Whether the samplers are what the kernels read: 8-bit images, then float nodes.
+bool samplersFit(const KernelCall& call, int imageCount)
+{
+    for (int k = 0; k < imageCount; ++k)
+        if (call.samplers[k].format != SamplerView::Format::Rgba8)
+            return false;
+    return call.samplers[imageCount].format == SamplerView::Format::RgbaFloat;
+}
+
+/// The per-tile scratch of the row loops: the column table and one grid row.
+struct TileScratch {
+    std::vector<int> column;
+    std::vector<float> fraction;
+    GridRow grid;
+    int firstColumn = 0;
+    int count = 0;
+
+    TileScratch(const KernelOutput& out, const GridGeometry& g)
+        : column(static_cast<std::size_t>(out.width))
+        , fraction(static_cast<std::size_t>(out.width))
+    {
+        int lastColumn = 0;
+        fillColumns(out, g, column, fraction, firstColumn, lastColumn);
+        count = std::min(lastColumn - firstColumn + 2, g.nx - firstColumn);
+        for (int ch = 0; ch < GridRow::ChannelCount; ++ch) {
+            grid.value[ch].resize(static_cast<std::size_t>(count + kTablePadding));
+            grid.delta[ch].resize(static_cast<std::size_t>(count + kTablePadding));
+        }
+    }
+};
+
 /// The tile loop shared by both kernels: samplers are the image(s) then the coordinates.
 void runSampling(const KernelCall& call, int imageCount, bool useLastPositions)
 {
     const KernelOutput& out = call.output;
-    const SamplerView& coords = call.samplers[imageCount];
-    for (int k = 0; k < imageCount; ++k)
-        if (call.samplers[k].format != SamplerView::Format::Rgba8) {
-            clearTile(out);
-            return;
-        }
-    if (coords.format != SamplerView::Format::RgbaFloat || out.width <= 0) {
+    if (out.width <= 0 || !samplersFit(call, imageCount)) {
         clearTile(out);
         return;
     }
+    const SamplerView& coords = call.samplers[imageCount];
     const GridGeometry g = gridGeometry(coords, call.extent);
-    std::vector<int> column(static_cast<std::size_t>(out.width));
-    std::vector<float> fraction(static_cast<std::size_t>(out.width));
-    int firstColumn = 0;
-    int lastColumn = 0;
-    fillColumns(out, g, column, fraction, firstColumn, lastColumn);
-    const int count = std::min(lastColumn - firstColumn + 2, g.nx - firstColumn);
-
-    GridRow grid;
-    for (int ch = 0; ch < GridRow::ChannelCount; ++ch) {
-        grid.value[ch].resize(static_cast<std::size_t>(count + kTablePadding));
-        grid.delta[ch].resize(static_cast<std::size_t>(count + kTablePadding));
-    }
+    TileScratch scratch(out, g);
     RowJob job;
     job.width = out.width;
-    job.column = column.data();
-    job.fraction = fraction.data();
-    job.grid = &grid;
+    job.column = scratch.column.data();
+    job.fraction = scratch.fraction.data();
+    job.grid = &scratch.grid;
     job.first = tapsFor(call.samplers[0]);
     if (imageCount == 2)
         job.last = tapsFor(call.samplers[1]);
     job.twoImages = imageCount == 2;
     job.useLastPositions = useLastPositions;
     const bool simd = g_path.load(std::memory_order_relaxed) == SamplingPath::Fastest;
-    NodeRowPair nodes(coords, g, firstColumn, count);
+    NodeRowPair nodes(coords, g, scratch.firstColumn, scratch.count);
     for (int y = out.y; y < out.y + out.height; ++y) {
         int j = 0;
         float fy = 0.0f;
         cellOf(float(y) + 0.5f, g.extent.y, g.rowsPerPixel, g.ny, j, fy);
-        nodes.interpolate(j, fy, grid);
+        nodes.interpolate(j, fy, scratch.grid);
         job.out = out.at(out.x, y);
         if (simd)
             sampleRowSimd(job);

@@ -111,6 +111,7 @@ HWY_INLINE TexelPairs gatherPairs(const std::uint32_t* pixels, VI index)
 }
 
 /// Bilinear read of one image at output positions (x, y): channels with 7 fraction bits.
+/// Kept in one piece: it is the inner loop, and its steps mirror sampleFixed one to one.
 HWY_INLINE PixelHalves sampleImage(const ImageTaps& taps, VF x, VF y)
 {
     const DF df;
@@ -170,6 +171,7 @@ HWY_INLINE void storePixels(const PixelHalves& fixed, std::uint8_t* out)
 }
 
 /// Grid values of one channel for the lanes' pixels: value + delta · t at their columns.
+/// Threads: a local of one row loop.
 class GridLookup {
 public:
     GridLookup(const RowJob& job, int x)

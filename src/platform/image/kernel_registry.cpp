@@ -16,6 +16,7 @@ struct Token {
 
 /// Splits kernel source into identifiers and one-character symbols, skipping blanks and
 /// comments.
+/// Threads: one compilation on one thread.
 class KernelLexer {
 public:
     explicit KernelLexer(std::string_view source) : m_source(source) {}
@@ -88,6 +89,7 @@ std::string signatureText(const std::vector<KernelArgumentType>& signature)
 }
 
 /// Reads "kernel <type> <name>(<arguments>);" declarations one after another.
+/// Threads: one compilation on one thread; the registry is locked per look-up.
 class KernelParser {
 public:
     KernelParser(std::string_view source, const KernelRegistry& registry)

@@ -17,9 +17,10 @@ enum class SamplerFilter { Nearest, Linear };
 /// output point q reads the image at matrix⁻¹(q). samplerMatrixFromRectToRect(image
 /// extent, output rectangle) is such a matrix: it stretches the image over the output.
 ///
-/// When the matrix shrinks an 8-bit image by more than half in both directions, the
-/// renderer hands the kernel a box-reduced level of the image (Image::reducedLevel)
-/// instead of the full one, so that small output does not alias.
+/// When the matrix shrinks an 8-bit bitmap image to about 0.7 or less (in the direction
+/// it shrinks least), the renderer hands the kernel the box-reduced level of the image
+/// (Image::reducedLevel) nearest to that scale instead of the full image, so that small
+/// output does not alias. Kernel images used as inputs are read at full resolution.
 /// Threads: a value.
 class Sampler {
 public:

@@ -62,6 +62,10 @@ void AsyncMovieWriter::unlock()
 bool AsyncMovieWriter::appendNowIfNoVideoTrack(RgbaImage& image, const MovieTime& duration,
                                                const std::optional<AddImageAttributes>& attributes)
 {
+    // Tracks are never removed: once there is a video track, adds need not look again,
+    // and a producer that holds the movie lock can still queue images.
+    if (m_hasVideoTrack.load(std::memory_order_acquire))
+        return false;
     lock();
     const bool appendNow = !m_movie->hasVideoTrack();
     if (appendNow) {
@@ -69,6 +73,7 @@ bool AsyncMovieWriter::appendNowIfNoVideoTrack(RgbaImage& image, const MovieTime
         if (!status.ok())
             logLine(formatString("Could not append an image to the movie: %s", status.message.c_str()));
     }
+    m_hasVideoTrack.store(m_movie->hasVideoTrack(), std::memory_order_release);
     unlock();
     return appendNow;
 }
@@ -191,6 +196,8 @@ bool AsyncMovieWriter::exitUnlessImagesQueued()
 {
     if (const int result = exitMoviesOnThread(); result != 0)
         logLine(formatString("ExitMoviesOnThread returned %d", result));
+    if (m_beforeWorkerExit)
+        m_beforeWorkerExit();
     ConditionLock& queue = *m_queueLock.load(std::memory_order_acquire);
     queue.lock();
     // An image queued after the stop was seen would otherwise wait for the next add.

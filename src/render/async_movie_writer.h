@@ -5,6 +5,7 @@
 #include "platform/movie/movie.h"
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -52,7 +53,8 @@ public:
     Movie& movie() { return *m_movie; }
 
     /// Appends at once when the movie has no video track yet; otherwise queues the image
-    /// for the worker (starting one when none runs) and returns.
+    /// for the worker (starting one when none runs) and returns. Until the first image is
+    /// in, this takes the movie lock, so do not hold it while adding the first image.
     void asyncAddImage(RgbaImage image, const MovieTime& duration,
                        const std::optional<AddImageAttributes>& attributes);
     /// Returns when every queued image has been appended, and stops the worker.
@@ -79,6 +81,11 @@ public:
     /// Writes the movie as it is now, under the movie lock; queued images are not waited for.
     MovieStatus writeToFile(const std::string& path, bool flatten = true);
 
+    /// Runs on the worker each time it has seen the stop request and is about to report
+    /// its exit; tests use it to queue an image in exactly that interval. Set it before
+    /// the first image is queued.
+    void setBeforeWorkerExitHook(std::function<void()> hook) { m_beforeWorkerExit = std::move(hook); }
+
 private:
     struct QueueEntry {
         RgbaImage image;
@@ -99,6 +106,7 @@ private:
 
     std::unique_ptr<Movie> m_movie;
     std::mutex m_movieLock;
+    std::atomic<bool> m_hasVideoTrack{false};
 
     std::mutex m_queueLockCreation;
     std::unique_ptr<ConditionLock> m_queueLockOwner;
@@ -107,6 +115,7 @@ private:
     std::vector<QueueEntry> m_queue;
     bool m_tearingDown = false;
     std::thread m_worker;
+    std::function<void()> m_beforeWorkerExit;
 };
 
 } // namespace plyra

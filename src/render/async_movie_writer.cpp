@@ -85,8 +85,9 @@ ConditionLock& AsyncMovieWriter::queueLock()
     std::lock_guard guard(m_queueLockCreation);
     if (!m_queueLockOwner) {
         m_queueLockOwner = std::make_unique<ConditionLock>(WorkerStarted);
-        startWorker();
+        // Published before the worker starts: its first act is to read it.
         m_queueLock.store(m_queueLockOwner.get(), std::memory_order_release);
+        startWorker();
     }
     return *m_queueLockOwner;
 }

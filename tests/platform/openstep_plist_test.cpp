@@ -30,7 +30,7 @@ std::string withoutFinalNewline(std::string text)
 
 void appendJsonCodeUnit(std::string& out, unsigned unit)
 {
-    char buffer[8];
+    char buffer[16];
     std::snprintf(buffer, sizeof buffer, "\\u%04x", unit);
     out += buffer;
 }

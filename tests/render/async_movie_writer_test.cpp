@@ -109,11 +109,14 @@ TEST(AsyncMovieWriter, QueueEmptiesWhenTheWorkerTakesABatch)
 {
     AsyncMovieWriter writer(Movie::createInMemory());
     writer.asyncAddImage(frame(), {30, 600, 0}, kMpeg4);
-    writer.lock(); // the worker can take the batch but cannot write it
-    for (int i = 0; i < 3; ++i)
-        writer.asyncAddImage(frame(), {30, 600, 0}, kMpeg4);
+    writer.lock(); // the worker can take a batch but cannot write it
+    writer.asyncAddImage(frame(), {30, 600, 0}, kMpeg4);
     EXPECT_TRUE(eventually([&] { return writer.numberOfImagesInQueue() == 0; }));
     EXPECT_EQ(writer.movie().lastVideoTrack()->media()->sampleCount(), 1u);
+    // The worker waits for the movie with its batch; new images stay queued meanwhile.
+    writer.asyncAddImage(frame(), {30, 600, 0}, kMpeg4);
+    writer.asyncAddImage(frame(), {30, 600, 0}, kMpeg4);
+    EXPECT_EQ(writer.numberOfImagesInQueue(), 2u);
     writer.unlock();
     writer.waitForAsyncImageAddToFinish();
     EXPECT_EQ(frameCount(writer), 4u);

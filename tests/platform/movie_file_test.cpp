@@ -294,6 +294,42 @@ TEST(MovieFile, TruncatedMovieIsRefused)
     }
 }
 
+TEST(MovieFile, DamagedBytesNeverCrashReadingOrDecoding)
+{
+    ScratchFolder folder;
+    auto movie = Movie::createInStorage(folder.file("storage"));
+    ASSERT_TRUE(movie);
+    ASSERT_TRUE(appendTestFrames(*movie, 3, 30, "avc1", 512, 32, 24).ok());
+    ASSERT_TRUE(movie->writeToFile(folder.file("whole.mov")).ok());
+    std::ifstream file(folder.file("whole.mov"), std::ios::binary);
+    const std::string original(std::istreambuf_iterator<char>(file), {});
+    LogCapture capture;
+    uint32_t seed = 99;
+    for (int round = 0; round < 24; ++round) {
+        std::string damaged = original;
+        for (int flip = 0; flip < 1 + round % 4; ++flip) {
+            seed = seed * 1664525u + 1013904223u;
+            damaged[seed % damaged.size()] = static_cast<char>(seed >> 24);
+        }
+        const std::string path = folder.file("damaged.mov");
+        std::ofstream(path, std::ios::binary | std::ios::trunc) << damaged;
+        MovieStatus status;
+        auto readBack = Movie::open(path, &status);
+        if (!readBack) {
+            EXPECT_FALSE(status.message.empty());
+            continue;
+        }
+        for (size_t t = 0; t < readBack->trackCount(); ++t) {
+            const MovieMedia* media = readBack->track(t)->media();
+            if (!media || media->mediaType() != kVideoMediaType)
+                continue;
+            MovieFrameDecoder decoder(*media);
+            for (size_t i = 0; i < media->sampleCount(); ++i)
+                decoder.decode(i);
+        }
+    }
+}
+
 TEST(MovieFile, UnknownCodecAndEmptyImagesAreRefused)
 {
     auto movie = Movie::createInMemory();

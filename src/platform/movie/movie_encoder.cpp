@@ -110,27 +110,8 @@ std::unique_ptr<MovieEncoder> MovieEncoder::create(FourCharCode codecType, int q
     return encoder;
 }
 
-MovieStatus MovieEncoder::open(int width, int height, int32_t timeScale)
+AVDictionary* MovieEncoder::configureCodec()
 {
-    initializeFfmpegLogging();
-    const AVCodec* codec = avcodec_find_encoder_by_name(m_setup.encoderName);
-    if (!codec)
-        return MovieStatus::failure(kMovieCodecUnavailable,
-                                    formatString("FFmpeg has no %s encoder", m_setup.encoderName));
-    m_context = avcodec_alloc_context3(codec);
-    m_frame = av_frame_alloc();
-    m_packet = av_packet_alloc();
-    if (!m_context || !m_frame || !m_packet)
-        return MovieStatus::failure(kMovieMemoryError, "Out of memory while setting up the encoder");
-
-    m_context->width = width + (m_setup.needsEvenWidth ? width % 2 : 0);
-    m_context->height = height + (m_setup.needsEvenHeight ? height % 2 : 0);
-    m_context->pix_fmt = m_setup.pixelFormat;
-    m_context->time_base = AVRational{1, timeScale};
-    m_context->max_b_frames = 0;
-    m_context->thread_count = 1;
-    m_context->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
-
     AVDictionary* options = nullptr;
     const std::string name = m_setup.encoderName;
     if (name == "mpeg4" || name == "mjpeg") {
@@ -156,6 +137,31 @@ MovieStatus MovieEncoder::open(int width, int height, int32_t timeScale)
             m_context->pix_fmt = AV_PIX_FMT_YUV444P10LE;
     }
 
+    return options;
+}
+
+MovieStatus MovieEncoder::open(int width, int height, int32_t timeScale)
+{
+    initializeFfmpegLogging();
+    const AVCodec* codec = avcodec_find_encoder_by_name(m_setup.encoderName);
+    if (!codec)
+        return MovieStatus::failure(kMovieCodecUnavailable,
+                                    formatString("FFmpeg has no %s encoder", m_setup.encoderName));
+    m_context = avcodec_alloc_context3(codec);
+    m_frame = av_frame_alloc();
+    m_packet = av_packet_alloc();
+    if (!m_context || !m_frame || !m_packet)
+        return MovieStatus::failure(kMovieMemoryError, "Out of memory while setting up the encoder");
+
+    m_context->width = width + (m_setup.needsEvenWidth ? width % 2 : 0);
+    m_context->height = height + (m_setup.needsEvenHeight ? height % 2 : 0);
+    m_context->pix_fmt = m_setup.pixelFormat;
+    m_context->time_base = AVRational{1, timeScale};
+    m_context->max_b_frames = 0;
+    m_context->thread_count = 1;
+    m_context->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+
+    AVDictionary* options = configureCodec();
     const int result = avcodec_open2(m_context, codec, &options);
     av_dict_free(&options);
     if (result < 0)

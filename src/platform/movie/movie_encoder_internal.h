@@ -51,6 +51,8 @@ public:
 private:
     MovieEncoder(const MovieCodecSetup& setup, int quality);
     MovieStatus open(int width, int height, int32_t timeScale);
+    /// Quality and codec-specific settings; the options go to avcodec_open2.
+    AVDictionary* configureCodec();
     MovieStatus fillFrame(const RgbaImage& image);
     MovieStatus drain(const PacketSink& sink);
 

@@ -3,8 +3,11 @@
 
 #include "platform/movie/movie.h"
 
+#include <map>
 #include <memory>
 #include <string>
+
+struct AVFormatContext;
 
 namespace plyra {
 
@@ -18,6 +21,18 @@ MovieStatus writeMovieFile(const Movie& movie, const std::string& path, bool fas
 class MovieFileReader {
 public:
     static std::unique_ptr<Movie> read(const std::string& path, MovieStatus* status);
+
+private:
+    using TrackMap = std::map<int, MovieTrack*>; // by stream index
+
+    static TrackMap addTracks(const AVFormatContext& input, Movie& movie,
+                              const std::shared_ptr<MovieSampleStore>& fileStore);
+    /// Reads every packet into its track's samples; FFmpeg's result (AVERROR_EOF at the end).
+    static int readSamples(AVFormatContext& input, const TrackMap& tracks,
+                           const std::shared_ptr<MovieSampleStore>& fileStore,
+                           const std::shared_ptr<MovieSampleStore>& memoryStore);
+    /// Ranges and the movie's attributes from what was read.
+    static void describe(Movie& movie, const TrackMap& tracks);
 };
 
 } // namespace plyra

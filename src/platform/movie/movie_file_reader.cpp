@@ -11,6 +11,7 @@ extern "C" {
 
 #include <algorithm>
 #include <map>
+#include <vector>
 
 namespace plyra {
 namespace {
@@ -71,30 +72,48 @@ std::unique_ptr<Movie> MovieFileReader::read(const std::string& path, MovieStatu
         report(status, readFailure(path, ffmpegErrorText(result)));
         return nullptr;
     }
-
     std::unique_ptr<Movie> movie(new Movie(path));
     movie->m_fileStore = fileStore;
-    std::map<int, MovieTrack*> tracks;
-    MovieSize naturalSize;
-    for (unsigned i = 0; i < input.context->nb_streams; ++i) {
-        const AVStream* stream = input.context->streams[i];
+    const TrackMap tracks = addTracks(*input.context, *movie, fileStore);
+    const int readResult = readSamples(*input.context, tracks, fileStore, movie->sampleStore(MediaStorage::Memory));
+    if (readResult < 0 && readResult != AVERROR_EOF) {
+        report(status, readFailure(path, ffmpegErrorText(readResult)));
+        return nullptr;
+    }
+    describe(*movie, tracks);
+    report(status, MovieStatus::success());
+    return movie;
+}
+
+MovieFileReader::TrackMap MovieFileReader::addTracks(const AVFormatContext& input, Movie& movie,
+                                                     const std::shared_ptr<MovieSampleStore>& fileStore)
+{
+    TrackMap tracks;
+    for (unsigned i = 0; i < input.nb_streams; ++i) {
+        const AVStream* stream = input.streams[i];
         const AVCodecParameters& parameters = *stream->codecpar;
         const FourCharCode mediaType = mediaTypeOf(parameters);
         if (mediaType == 0 || stream->time_base.num != 1 || stream->time_base.den <= 0)
             continue;
         const MovieSize size{static_cast<float>(parameters.width), static_cast<float>(parameters.height)};
-        MovieTrack* track = movie->newTrack(size, mediaType == kSoundMediaType ? 256 : 0);
+        MovieTrack* track = movie.newTrack(size, mediaType == kSoundMediaType ? 256 : 0);
         track->newMedia(mediaType, stream->time_base.den, MediaStorage::File, fileStore);
         track->media()->setCodec(fourCharCodeFromTag(parameters.codec_tag), MovieCodecParameters::copyOf(&parameters));
         tracks[static_cast<int>(i)] = track;
-        if (mediaType == kVideoMediaType && naturalSize.width < 1)
-            naturalSize = size;
     }
+    return tracks;
+}
 
-    auto memoryStore = movie->sampleStore(MediaStorage::Memory);
+int MovieFileReader::readSamples(AVFormatContext& input, const TrackMap& tracks,
+                                 const std::shared_ptr<MovieSampleStore>& fileStore,
+                                 const std::shared_ptr<MovieSampleStore>& memoryStore)
+{
     AVPacket* packet = av_packet_alloc();
-    int readResult = 0;
-    while (packet && (readResult = av_read_frame(input.context, packet)) >= 0) {
+    if (!packet)
+        return AVERROR(ENOMEM);
+    int result = 0;
+    std::vector<uint8_t> check;
+    while ((result = av_read_frame(&input, packet)) >= 0) {
         const auto found = tracks.find(packet->stream_index);
         if (found != tracks.end()) {
             MovieMedia& media = *found->second->media();
@@ -102,37 +121,42 @@ std::unique_ptr<Movie> MovieFileReader::read(const std::string& path, MovieStatu
             const MovieSample sample{time, std::max<int64_t>(packet->duration, 1), packet->size,
                                      (packet->flags & AV_PKT_FLAG_KEY) != 0};
             // Samples refer to their bytes in the file; a packet that does not say where
-            // it lies is kept in memory instead.
-            std::vector<uint8_t> check;
+            // it lies, or whose bytes are not there as read, is kept in memory instead.
             if (packet->pos >= 0 && fileStore->read(packet->pos, packet->size, check)
                 && std::equal(check.begin(), check.end(), packet->data)) {
                 media.appendSample(sample, fileStore, packet->pos);
             } else {
-                media.appendSample(sample, memoryStore, memoryStore->append(packet->data, static_cast<size_t>(packet->size), nullptr));
+                const int64_t offset = memoryStore->append(packet->data, static_cast<size_t>(packet->size), nullptr);
+                media.appendSample(sample, memoryStore, offset);
             }
         }
         av_packet_unref(packet);
     }
     av_packet_free(&packet);
-    if (readResult < 0 && readResult != AVERROR_EOF) {
-        report(status, readFailure(path, ffmpegErrorText(readResult)));
-        return nullptr;
-    }
+    return result;
+}
 
+void MovieFileReader::describe(Movie& movie, const TrackMap& tracks)
+{
     for (const auto& [index, track] : tracks) {
         const MovieMedia& media = *track->media();
         track->setRange({MovieTime::zero(), MovieTime{media.duration(), media.timeScale(), 0}});
     }
-    movie->setHasVideo(movie->hasVideoTrack());
-    movie->setHasAudio(std::any_of(tracks.begin(), tracks.end(),
-                                   [](const auto& entry) { return entry.second->mediaType() == kSoundMediaType; }));
-    movie->setHasDuration(true);
-    movie->setDuration(movie->duration());
-    movie->setEditable(false);
-    if (naturalSize.width >= 1)
-        movie->setNaturalSize(naturalSize);
-    report(status, MovieStatus::success());
-    return movie;
+    const MovieTrack* video = nullptr;
+    for (const auto& entry : tracks) {
+        if (entry.second->mediaType() == kVideoMediaType) {
+            video = entry.second; // the first video track gives the natural size
+            break;
+        }
+    }
+    movie.setHasVideo(video != nullptr);
+    movie.setHasAudio(std::any_of(tracks.begin(), tracks.end(),
+                                  [](const auto& entry) { return entry.second->mediaType() == kSoundMediaType; }));
+    movie.setHasDuration(true);
+    movie.setDuration(movie.duration());
+    movie.setEditable(false);
+    if (video && video->size().width >= 1)
+        movie.setNaturalSize(video->size());
 }
 
 } // namespace plyra

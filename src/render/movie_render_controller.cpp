@@ -24,7 +24,7 @@ MovieRenderController::MovieRenderController(MorphDocument& document)
 MovieRenderController::~MovieRenderController()
 {
     stop();
-    m_movie.reset();
+    m_writer.reset();
     cleanUpTempPaths();
 }
 
@@ -40,8 +40,9 @@ int MovieRenderController::quality() const
 
 bool MovieRenderController::recalc()
 {
-    if (m_movie) {
-        m_movie.reset();
+    if (m_writer) {
+        stop();
+        m_writer.reset();
         cleanUpTempPaths();
     }
     if (!makeTemporaryMovie())
@@ -60,21 +61,22 @@ bool MovieRenderController::makeTemporaryMovie()
     close(fd);
     m_tempPath = name;
     MovieStatus status;
-    m_movie = Movie::createInStorage(m_tempPath, &status);
-    if (!m_movie) {
+    std::unique_ptr<Movie> movie = Movie::createInStorage(m_tempPath, &status);
+    if (!movie) {
         logLine(formatString("CreateMovieStorage error %d", status.code));
         cleanUpTempPaths();
         return false;
     }
     const float fps = settings().framesPerSecond();
-    m_movie->setEditable(true);
-    m_movie->setHasAudio(false);
-    m_movie->setHasVideo(true);
-    m_movie->setLinear(true);
-    m_movie->setDuration({movieDurationValue(settings().numberOfFrames(), fps), kMovieRenderTimeScale, 0});
-    m_movie->setHasDuration(true);
+    movie->setEditable(true);
+    movie->setHasAudio(false);
+    movie->setHasVideo(true);
+    movie->setLinear(true);
+    movie->setDuration({movieDurationValue(settings().numberOfFrames(), fps), kMovieRenderTimeScale, 0});
+    movie->setHasDuration(true);
     const FrameSize size = frameSize();
-    m_movie->setNaturalSize({size.width, size.height});
+    movie->setNaturalSize({size.width, size.height});
+    m_writer = std::make_unique<AsyncMovieWriter>(std::move(movie));
     m_framesAppended = 0;
     m_appendFailed = false;
     return true;
@@ -85,7 +87,9 @@ void MovieRenderController::consumeFinishedJobs()
     using Clock = std::chrono::steady_clock;
     const Clock::time_point start = Clock::now();
     // Strictly in frame order: a later frame that finished first waits for the earlier.
-    while (!jobs().empty() && jobs().front()->isDone() && Clock::now() - start < m_appendBudget) {
+    // Frames waiting for the encoder hold memory, so only a few may wait at a time.
+    while (!jobs().empty() && jobs().front()->isDone() && Clock::now() - start < m_appendBudget
+        && m_writer && m_writer->numberOfImagesInQueue() < kMaxFramesWaiting) {
         appendFrame(jobs().front());
         jobs().pop_front();
     }
@@ -94,18 +98,13 @@ void MovieRenderController::consumeFinishedJobs()
 bool MovieRenderController::appendFrame(const MorphCalculationJob::Ptr& job)
 {
     const std::optional<Bitmap> bitmap = bitmapFromImage(job->outputImage());
-    if (!bitmap || !m_movie) {
+    if (!bitmap || !m_writer) {
         m_appendFailed = true;
         return false;
     }
-    const RgbaImage frame = RgbaImage::fromPixels(bitmap->data(), bitmap->width(), bitmap->height(), bitmap->bytesPerRow());
+    RgbaImage frame = RgbaImage::fromPixels(bitmap->data(), bitmap->width(), bitmap->height(), bitmap->bytesPerRow());
     const MovieTime duration{frameDurationValue(settings().framesPerSecond()), kMovieRenderTimeScale, 0};
-    const MovieStatus status = m_movie->addImage(frame, duration, AddImageAttributes{fourCharCode(codec()), quality()});
-    if (!status.ok()) {
-        logLine(formatString("Could not add frame %d to the movie: %s", m_framesAppended + 1, status.message.c_str()));
-        m_appendFailed = true;
-        return false;
-    }
+    m_writer->asyncAddImage(std::move(frame), duration, AddImageAttributes{fourCharCode(codec()), quality()});
     ++m_framesAppended;
     return true;
 }
@@ -117,14 +116,28 @@ bool MovieRenderController::saveRenderedMovie(const QString& path, QString* erro
             *error = reason;
         return false;
     };
-    if (!m_movie)
+    if (!m_writer)
         return fail(QStringLiteral("no movie has been rendered"));
     if (isRendering() || m_appendFailed)
         return fail(QStringLiteral("the movie is not complete"));
-    const MovieStatus status = m_movie->writeToFile(path.toStdString(), true);
+    const Movie* complete = movie();
+    m_writer->lock();
+    const std::size_t frames = complete->frameTimes().size();
+    m_writer->unlock();
+    if (frames != static_cast<std::size_t>(m_framesAppended))
+        return fail(QStringLiteral("only %1 of %2 frames could be compressed").arg(frames).arg(m_framesAppended));
+    const MovieStatus status = m_writer->writeToFile(path.toStdString(), true);
     if (!status.ok())
         return fail(QString::fromStdString(status.message));
     return true;
+}
+
+const Movie* MovieRenderController::movie()
+{
+    if (!m_writer)
+        return nullptr;
+    m_writer->waitForAsyncImageAddToFinish();
+    return &m_writer->movie();
 }
 
 void MovieRenderController::cleanUpTempPaths()

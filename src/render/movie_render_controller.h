@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/movie/movie.h"
+#include "render/async_movie_writer.h"
 #include "render/render_controller.h"
 
 #include <QString>
@@ -14,7 +15,10 @@ namespace plyra {
 
 /// Renders the morph as a movie: a new movie in a temporary file under /tmp before
 /// every render, finished frames appended strictly in frame order with the document's
-/// codec and quality, and a self-contained copy written on save.
+/// codec and quality, and a self-contained copy written on save. The main thread turns
+/// finished jobs into frames; an asynchronous writer compresses them on a thread of its
+/// own, so that the morph and the encoder work at the same time. At most a few frames
+/// wait for the encoder: a tick takes no more jobs while they do.
 /// Threads: main thread.
 class MovieRenderController : public RenderController {
 public:
@@ -32,8 +36,10 @@ public:
     /// A new temporary movie, then the jobs. False when there is no image or the
     /// temporary movie cannot be made (the reason is logged).
     bool recalc() override;
+    /// Frames handed to the movie so far (some may still be compressed).
     int framesAppended() const { return m_framesAppended; }
-    const Movie* movie() const { return m_movie.get(); }
+    /// The movie, once every frame handed over has been compressed into it.
+    const Movie* movie();
     const std::string& tempPath() const { return m_tempPath; }
 
     /// Writes a self-contained copy of the movie; false with the reason when the movie is
@@ -49,12 +55,13 @@ private:
     bool makeTemporaryMovie();
     bool appendFrame(const MorphCalculationJob::Ptr& job);
 
-    std::unique_ptr<Movie> m_movie;
+    std::unique_ptr<AsyncMovieWriter> m_writer;
     std::string m_tempPath;
     std::optional<std::string> m_codec;
     std::optional<int> m_quality;
     std::chrono::milliseconds m_appendBudget{300};
     int m_framesAppended = 0;
+    static constexpr unsigned kMaxFramesWaiting = 2;
     bool m_appendFailed = false;
 };
 

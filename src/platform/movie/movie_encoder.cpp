@@ -131,6 +131,9 @@ AVDictionary* MovieEncoder::configureCodec()
         av_dict_set(&options, "tune", "zerolatency", 0);
     }
     if (name == "prores_ks") {
+        // ProRes is slow on one core; its slices encode in parallel without delaying frames.
+        m_context->thread_type = FF_THREAD_SLICE;
+        m_context->thread_count = 0;
         const int profile = proresProfileForQuality(m_quality);
         av_dict_set_int(&options, "profile", profile, 0);
         if (profile == 4)

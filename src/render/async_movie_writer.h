@@ -16,8 +16,7 @@
 namespace plyra {
 
 /// A movie that takes images from any thread and appends them on a worker thread of its
-/// own, so the thread producing frames never waits for the encoder (the role the
-/// KTMovie class plays in the original design). A movie lock serialises the worker's
+/// own, so the thread producing frames never waits for the encoder. A movie lock serialises the worker's
 /// appends, writes and playback; a condition lock guards the queue of waiting images and
 /// its condition is the hand-shake between producers and the worker.
 ///

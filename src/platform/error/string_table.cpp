@@ -13,6 +13,7 @@ namespace plyra {
 namespace {
 
 /// Reads the tokens of a ".strings" text: quoted strings, '=' and ';'.
+/// Threads: the parsing thread.
 class StringsScanner {
 public:
     explicit StringsScanner(std::string_view text)

@@ -18,6 +18,7 @@ namespace plyra {
 class MovieSampleStore;
 
 /// The attributes a movie carries; an attribute never set is absent.
+/// Threads: a plain value.
 struct MovieAttributes {
     std::optional<bool> editable;
     std::optional<bool> hasAudio;

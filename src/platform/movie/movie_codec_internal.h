@@ -27,6 +27,7 @@ struct MovieCodecParameters {
 };
 
 /// How one four-character codec code is written with FFmpeg.
+/// Threads: constant table entries; any thread.
 struct MovieCodecSetup {
     FourCharCode code;
     const char* encoderName;

@@ -15,7 +15,8 @@ struct SwsContext;
 
 namespace plyra {
 
-/// One compressed frame as the encoder hands it on.
+/// One compressed frame as the encoder hands it on; the bytes live until the sink returns.
+/// Threads: a plain value.
 struct EncodedPacket {
     const uint8_t* data = nullptr;
     size_t size = 0;

@@ -29,6 +29,7 @@ MovieStatus readFailure(const std::string& path, const std::string& why)
 }
 
 /// Closes the demuxer however reading ends.
+/// Threads: the reading thread.
 struct InputCloser {
     AVFormatContext* context = nullptr;
     ~InputCloser() { avformat_close_input(&context); }

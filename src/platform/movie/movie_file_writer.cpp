@@ -19,6 +19,7 @@ namespace plyra {
 namespace {
 
 /// One track on its way into the file: its media, its stream and the next sample.
+/// Threads: the writing thread.
 struct TrackOutput {
     const MovieMedia* media = nullptr;
     AVStream* stream = nullptr;
@@ -32,6 +33,7 @@ MovieStatus ffmpegFailure(const char* what, const std::string& path, int error)
 }
 
 /// The file being written beside the target; removed unless it was renamed into place.
+/// Threads: the writing thread.
 class SideFile {
 public:
     explicit SideFile(const std::string& target)
@@ -72,6 +74,7 @@ private:
 };
 
 /// The muxer of one output file.
+/// Threads: the writing thread.
 class MovieMuxer {
 public:
     ~MovieMuxer()

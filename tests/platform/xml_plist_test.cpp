@@ -67,15 +67,18 @@ std::string xmlDocument(std::string_view body)
         + "\n</plist>\n";
 }
 
-/// A scratch directory under the build tree, emptied for each test.
+/// A scratch directory of each test's own under the build tree (tests run in parallel
+/// processes), removed afterwards.
 class XmlPropertyListFile : public testing::Test {
 protected:
     void SetUp() override
     {
-        m_dir = fs::path(PLYRA_BINARY_DIR) / "test-output" / "xml_plist";
+        const testing::TestInfo* test = testing::UnitTest::GetInstance()->current_test_info();
+        m_dir = fs::path(PLYRA_BINARY_DIR) / "test-output" / (std::string("xml_plist-") + test->name());
         fs::remove_all(m_dir);
         fs::create_directories(m_dir);
     }
+    void TearDown() override { fs::remove_all(m_dir); }
     std::string path(const std::string& name) const { return (m_dir / name).string(); }
 
     fs::path m_dir;

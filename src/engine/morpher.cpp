@@ -49,18 +49,9 @@ Morpher::Morpher(Token, const Image& firstTrackImage, const Image& lastTrackImag
     }
 }
 
-Morpher::~Morpher()
-{
-    // Every worker held this morpher, so all of them have left their loop. The last one
-    // may be running this destructor: it cannot join itself and is detached instead.
-    const std::thread::id self = std::this_thread::get_id();
-    for (std::thread& worker : m_workers) {
-        if (worker.get_id() == self)
-            worker.detach();
-        else if (worker.joinable())
-            worker.join();
-    }
-}
+// Every worker holds this morpher until it has left its loop, so nothing is left to
+// stop here.
+Morpher::~Morpher() = default;
 
 void Morpher::runMorphCalculationJobs(const std::vector<MorphCalculationJob::Ptr>& jobs)
 {
@@ -83,7 +74,10 @@ void Morpher::startWorkers()
     const unsigned n = workerCount();
     for (unsigned i = 0; i < n; ++i) {
         try {
-            m_workers.emplace_back(&Morpher::runBackgroundThread, shared_from_this());
+            // Detached: a worker owns its share of the morpher and ends on its own within
+            // about a second of the stop condition; nobody waits for it.
+            std::thread(&Morpher::runBackgroundThread, shared_from_this()).detach();
+            ++m_startedWorkers;
         } catch (const std::system_error& error) {
             // Work on with the workers there are; the jobs still get computed by them.
             logLine(formatString("Morpher: could not start a worker thread: %s", error.what()));
@@ -117,7 +111,7 @@ int Morpher::condition() const
 std::size_t Morpher::startedWorkerCount() const
 {
     m_lock.lock();
-    const std::size_t n = m_workers.size();
+    const std::size_t n = m_startedWorkers;
     m_lock.unlock();
     return n;
 }

@@ -87,7 +87,7 @@ private:
     std::vector<MorphLine::Ptr> m_morphLines;
     std::deque<MorphCalculationJob::Ptr> m_morphJobs;
     mutable ConditionLock m_lock{MorpherConditionNoThreads};
-    std::vector<std::thread> m_workers; // guarded by m_lock
+    std::size_t m_startedWorkers = 0; // guarded by m_lock
 };
 
 } // namespace plyra

@@ -97,12 +97,17 @@ void MovieRenderController::consumeFinishedJobs()
 
 bool MovieRenderController::appendFrame(const MorphCalculationJob::Ptr& job)
 {
-    const std::optional<Bitmap> bitmap = bitmapFromImage(job->outputImage());
+    std::optional<Bitmap> bitmap = bitmapFromImage(job->outputImage());
     if (!bitmap || !m_writer) {
         m_appendFailed = true;
         return false;
     }
-    RgbaImage frame = RgbaImage::fromPixels(bitmap->data(), bitmap->width(), bitmap->height(), bitmap->bytesPerRow());
+    const int width = bitmap->width();
+    const int height = bitmap->height();
+    // Rows of whole pixels are what the movie takes: hand the buffer over uncopied.
+    RgbaImage frame = bitmap->bytesPerRow() == static_cast<std::size_t>(width) * 4
+        ? RgbaImage::adoptPixels(bitmap->releasePixels(), width, height)
+        : RgbaImage::fromPixels(bitmap->data(), width, height, bitmap->bytesPerRow());
     const MovieTime duration{frameDurationValue(settings().framesPerSecond()), kMovieRenderTimeScale, 0};
     m_writer->asyncAddImage(std::move(frame), duration, AddImageAttributes{fourCharCode(codec()), quality()});
     ++m_framesAppended;

@@ -20,6 +20,15 @@ Bitmap::Bitmap(int width, int height, std::size_t bytesPerRow)
     }
 }
 
+std::vector<std::uint8_t> Bitmap::releasePixels()
+{
+    std::vector<std::uint8_t> pixels = std::move(m_pixels);
+    m_pixels.clear();
+    m_width = m_height = 0;
+    m_bytesPerRow = 0;
+    return pixels;
+}
+
 std::array<std::uint8_t, 4> Bitmap::pixel(int x, int y) const
 {
     const std::uint8_t* p = row(y) + static_cast<std::size_t>(x) * kBytesPerPixel;

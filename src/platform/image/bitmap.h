@@ -47,6 +47,11 @@ public:
     /// Same size and the same pixels (padding bytes at the row ends are not compared).
     bool samePixels(const Bitmap& other) const;
 
+    /// Hands the pixel buffer over (rows of bytesPerRow() bytes, bottom row first, and
+    /// some spare bytes after the last row) and leaves the bitmap empty, so that a frame
+    /// can move on to its next owner without a copy.
+    std::vector<std::uint8_t> releasePixels();
+
 private:
     int m_width = 0;
     int m_height = 0;

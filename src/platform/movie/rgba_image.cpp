@@ -23,4 +23,17 @@ RgbaImage RgbaImage::fromPixels(const uint8_t* pixels, int width, int height, si
     return image;
 }
 
+RgbaImage RgbaImage::adoptPixels(std::vector<uint8_t> pixels, int width, int height)
+{
+    RgbaImage image;
+    image.m_width = std::max(width, 0);
+    image.m_height = std::max(height, 0);
+    const size_t size = image.bytesPerRow() * static_cast<size_t>(image.m_height);
+    if (pixels.size() < size)
+        return RgbaImage(width, height);
+    pixels.resize(size);
+    image.m_pixels = std::move(pixels);
+    return image;
+}
+
 } // namespace plyra

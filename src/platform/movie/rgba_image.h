@@ -18,6 +18,9 @@ public:
     RgbaImage(int width, int height);
     /// Copies pixels laid out with the given row stride, bottom row first.
     static RgbaImage fromPixels(const uint8_t* pixels, int width, int height, size_t bytesPerRow);
+    /// Takes over a buffer of tightly packed rows, bottom row first, without copying;
+    /// bytes after the last row are dropped. A buffer too small gives a transparent picture.
+    static RgbaImage adoptPixels(std::vector<uint8_t> pixels, int width, int height);
 
     int width() const { return m_width; }
     int height() const { return m_height; }

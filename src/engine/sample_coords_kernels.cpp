@@ -116,11 +116,7 @@ public:
             const float* below = m_below[ch].data();
             const float* above = m_above[ch].data();
             float* value = row.value[ch].data();
-            float* delta = row.delta[ch].data();
-            for (int k = 0; k < m_count; ++k)
-                value[k] = below[k] + (above[k] - below[k]) * fy;
-            for (int k = 0; k + 1 < m_count; ++k)
-                delta[k] = value[k + 1] - value[k];
+            interpolateNodeRows(below, above, fy, m_count, value, row.delta[ch].data());
             std::fill(row.value[ch].begin() + m_count, row.value[ch].end(), value[m_count - 1]);
             std::fill(row.delta[ch].begin() + m_count - 1, row.delta[ch].end(), 0.0f);
         }
@@ -169,6 +165,7 @@ ImageTaps tapsFor(const SamplerView& view)
     taps.originY = view.originY;
     taps.lastX = view.originX + view.width - 1;
     taps.lastY = view.originY + view.height - 1;
+    taps.lastIndex = (view.height - 1) * taps.stride + view.width - 1;
     taps.toTexel = view.toTexel;
     taps.maxU = float(taps.lastX + 2);
     taps.maxV = float(taps.lastY + 2);

@@ -40,6 +40,7 @@ struct ImageTaps {
     int originY = 0;
     int lastX = 0; ///< last stored texel, absolute
     int lastY = 0;
+    int lastIndex = 0; ///< index of texel (lastX, lastY) from pixels
     Matrix toTexel;
     /// Texel coordinates are clamped into [-2, maxU] × [-2, maxV] before conversion to
     /// integers; beyond the edges every read is the edge pixel anyway.
@@ -75,6 +76,11 @@ void sampleRowScalar(const RowJob& job, int begin, int end);
 /// Highway implementation (runtime dispatch to the best instruction set); pixels that do
 /// not fill a vector go through sampleRowScalar.
 void sampleRowSimd(const RowJob& job);
+
+/// One grid row between two node rows: value[k] = below[k] + (above[k] − below[k]) · fy
+/// for k < count, and delta[k] = value[k + 1] − value[k] for k + 1 < count, in SIMD
+/// (runtime dispatch); every element is computed as the plain expressions would.
+void interpolateNodeRows(const float* below, const float* above, float fy, int count, float* value, float* delta);
 
 /// Blending and bilinear weights are 15-bit fixed point; channels carry 7 fraction bits.
 inline constexpr float kWeightScale = 32768.0f;

@@ -7,12 +7,15 @@
 #include "platform/log.h"
 
 #include <gtest/gtest.h>
+#include <hwy/targets.h>
 
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 #include <fstream>
 #include <mutex>
 #include <random>
+#include <vector>
 
 namespace plyra {
 namespace {
@@ -564,7 +567,7 @@ Bitmap randomBitmap(std::mt19937& rng, int w, int h)
     return bitmap;
 }
 
-TEST(SampleCoordsKernels, SimdAndScalarGiveIdenticalBytes)
+void expectSimdMatchesScalar(const char* target)
 {
     std::mt19937 rng(1234);
     struct Case {
@@ -591,9 +594,53 @@ TEST(SampleCoordsKernels, SimdAndScalarGiveIdenticalBytes)
             const Bitmap fast = render(out, extent);
             SamplingPathGuard scalar(sampling::SamplingPath::Scalar);
             const Bitmap plain = render(out, extent);
-            ASSERT_TRUE(fast.samePixels(plain)) << c.width << "x" << c.height << " r " << c.r;
+            ASSERT_TRUE(fast.samePixels(plain)) << target << " " << c.width << "x" << c.height << " r " << c.r;
         }
     }
+}
+
+TEST(SampleCoordsKernels, SimdAndScalarGiveIdenticalBytes)
+{
+    expectSimdMatchesScalar("best target");
+}
+
+// Every instruction set the program carries code for, not only the best of this machine.
+TEST(SampleCoordsKernels, EveryCompiledInstructionSetGivesTheScalarBytes)
+{
+    for (const std::int64_t target : hwy::SupportedAndGeneratedTargets()) {
+        hwy::SetSupportedTargetsForTest(target);
+        expectSimdMatchesScalar(hwy::TargetName(target));
+    }
+    hwy::SetSupportedTargetsForTest(0);
+}
+
+// Grid rows are interpolated in SIMD for both sampling paths, so the paths agreeing says
+// nothing about them: each instruction set must give the plain expressions' floats.
+TEST(SampleCoordsKernels, NodeRowsInterpolateAsThePlainExpressionsOnEveryInstructionSet)
+{
+    std::mt19937 rng(99);
+    std::uniform_real_distribution<float> position(-3000.0f, 3000.0f);
+    std::uniform_real_distribution<float> unit(0.0f, 1.0f);
+    for (const std::int64_t target : hwy::SupportedAndGeneratedTargets()) {
+        hwy::SetSupportedTargetsForTest(target);
+        for (int count : {1, 2, 3, 15, 16, 17, 33, 70}) {
+            std::vector<float> below(count), above(count), value(count, -1.0f), delta(count, -1.0f);
+            for (int k = 0; k < count; ++k) {
+                below[k] = position(rng);
+                above[k] = position(rng);
+            }
+            const float fy = unit(rng);
+            sampling::interpolateNodeRows(below.data(), above.data(), fy, count, value.data(), delta.data());
+            for (int k = 0; k < count; ++k) {
+                const float expected = below[k] + (above[k] - below[k]) * fy;
+                ASSERT_EQ(value[k], expected) << hwy::TargetName(target) << " count " << count << " k " << k;
+            }
+            for (int k = 0; k + 1 < count; ++k)
+                ASSERT_EQ(delta[k], value[k + 1] - value[k]) << hwy::TargetName(target) << " count " << count;
+            EXPECT_EQ(delta[count - 1], -1.0f) << "the last column has no difference to write";
+        }
+    }
+    hwy::SetSupportedTargetsForTest(0);
 }
 
 TEST(SampleCoordsKernels, TilesAndThreadsDoNotChangeThePixels)

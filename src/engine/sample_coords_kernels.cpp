@@ -54,14 +54,6 @@ GridGeometry gridGeometry(const SamplerView& coords, const Rect& extent)
     return g;
 }
 
-/// The node cell of a pixel centre along one axis: its first node and the fraction.
-void cellOf(float pixelCentre, float origin, float nodesPerPixel, int nodes, int& node, float& fraction)
-{
-    const float g = (pixelCentre - origin) * nodesPerPixel;
-    node = std::clamp(static_cast<int>(std::floor(std::clamp(g, -1.0f, float(nodes)))), 0, std::max(nodes - 2, 0));
-    fraction = std::clamp(g - float(node), 0.0f, 1.0f);
-}
-
 float sanePosition(float value, float fallback)
 {
     return std::isfinite(value) ? std::clamp(value, -kPositionLimit, kPositionLimit) : fallback;
@@ -182,8 +174,7 @@ void clearTile(const KernelOutput& out)
 void fillColumns(const KernelOutput& out, const GridGeometry& g, std::vector<int>& column,
                  std::vector<float>& fraction, int& firstColumn, int& lastColumn)
 {
-    for (int x = 0; x < out.width; ++x)
-        cellOf(float(out.x + x) + 0.5f, g.extent.x, g.columnsPerPixel, g.nx, column[x], fraction[x]);
+    cellsOfPixels(out.x, out.width, g.extent.x, g.columnsPerPixel, g.nx, column.data(), fraction.data());
     firstColumn = column[0];
     lastColumn = column[out.width - 1];
     for (int x = 0; x < out.width; ++x)

@@ -3,6 +3,8 @@
 
 #include "platform/image/kernel.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -76,6 +78,18 @@ void sampleRowScalar(const RowJob& job, int begin, int end);
 /// Highway implementation (runtime dispatch to the best instruction set); pixels that do
 /// not fill a vector go through sampleRowScalar.
 void sampleRowSimd(const RowJob& job);
+
+/// The node cell of a pixel centre along one axis: its first node and the fraction.
+inline void cellOf(float pixelCentre, float origin, float nodesPerPixel, int nodes, int& node, float& fraction)
+{
+    const float g = (pixelCentre - origin) * nodesPerPixel;
+    node = std::clamp(static_cast<int>(std::floor(std::clamp(g, -1.0f, float(nodes)))), 0, std::max(nodes - 2, 0));
+    fraction = std::clamp(g - float(node), 0.0f, 1.0f);
+}
+
+/// cellOf for the centres of pixels firstPixel … firstPixel + count − 1, in SIMD (runtime
+/// dispatch), each result as cellOf gives it.
+void cellsOfPixels(int firstPixel, int count, float origin, float nodesPerPixel, int nodes, int* node, float* fraction);
 
 /// One grid row between two node rows: value[k] = below[k] + (above[k] − below[k]) · fy
 /// for k < count, and delta[k] = value[k + 1] − value[k] for k + 1 < count, in SIMD

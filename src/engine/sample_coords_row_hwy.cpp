@@ -281,6 +281,29 @@ void InterpolateNodeRows(const float* below, const float* above, float fy, int c
         delta[k] = value[k + 1] - value[k];
 }
 
+void CellsOfPixels(int firstPixel, int count, float origin, float nodesPerPixel, int nodes, int* node, float* fraction)
+{
+    const hn::ScalableTag<float> df;
+    const hn::RebindToSigned<decltype(df)> di;
+    const int lanes = static_cast<int>(hn::Lanes(df));
+    const auto lowest = hn::Set(df, -1.0f);
+    const auto highest = hn::Set(df, float(nodes));
+    const auto lastNode = hn::Set(di, std::max(nodes - 2, 0));
+    int x = 0;
+    for (; x + lanes <= count; x += lanes) {
+        const auto pixel = hn::Add(hn::Iota(di, 0), hn::Set(di, firstPixel + x));
+        const auto centre = hn::Add(hn::ConvertTo(df, pixel), hn::Set(df, 0.5f));
+        const auto g = hn::Mul(hn::Sub(centre, hn::Set(df, origin)), hn::Set(df, nodesPerPixel));
+        const auto cell = hn::ConvertTo(di, hn::Floor(hn::Min(hn::Max(g, lowest), highest)));
+        const auto k = hn::Min(hn::Max(cell, hn::Zero(di)), lastNode);
+        hn::StoreU(k, di, node + x);
+        hn::StoreU(hn::Min(hn::Max(hn::Sub(g, hn::ConvertTo(df, k)), hn::Zero(df)), hn::Set(df, 1.0f)), df,
+                   fraction + x);
+    }
+    for (; x < count; ++x)
+        cellOf(float(firstPixel + x) + 0.5f, origin, nodesPerPixel, nodes, node[x], fraction[x]);
+}
+
 } // namespace HWY_NAMESPACE
 } // namespace plyra::sampling
 HWY_AFTER_NAMESPACE();
@@ -290,6 +313,12 @@ namespace plyra::sampling {
 
 HWY_EXPORT(SampleRow);
 HWY_EXPORT(InterpolateNodeRows);
+HWY_EXPORT(CellsOfPixels);
+
+void cellsOfPixels(int firstPixel, int count, float origin, float nodesPerPixel, int nodes, int* node, float* fraction)
+{
+    HWY_DYNAMIC_DISPATCH(CellsOfPixels)(firstPixel, count, origin, nodesPerPixel, nodes, node, fraction);
+}
 
 void interpolateNodeRows(const float* below, const float* above, float fy, int count, float* value, float* delta)
 {

@@ -643,6 +643,38 @@ TEST(SampleCoordsKernels, NodeRowsInterpolateAsThePlainExpressionsOnEveryInstruc
     hwy::SetSupportedTargetsForTest(0);
 }
 
+// The column table is shared by both sampling paths too; each instruction set must give
+// cellOf's cells, for pixels before, inside and beyond the grid.
+TEST(SampleCoordsKernels, PixelCellsAreCellOfsOnEveryInstructionSet)
+{
+    struct Grid {
+        float origin;
+        float nodesPerPixel;
+        int nodes;
+    };
+    const Grid grids[] = {{0.0f, 1.0f / 7.0f, 276}, {-3.25f, 0.3f, 40}, {12.5f, 1.0f, 9}, {0.0f, 0.01f, 2}, {5.0f, 0.5f, 1}};
+    for (const std::int64_t target : hwy::SupportedAndGeneratedTargets()) {
+        hwy::SetSupportedTargetsForTest(target);
+        for (const Grid& grid : grids)
+            for (const int first : {-40, -1, 0, 3, 1900}) {
+                const int count = 77;
+                std::vector<int> node(count);
+                std::vector<float> fraction(count);
+                sampling::cellsOfPixels(first, count, grid.origin, grid.nodesPerPixel, grid.nodes, node.data(),
+                                        fraction.data());
+                for (int x = 0; x < count; ++x) {
+                    int expectedNode = -1;
+                    float expectedFraction = -1.0f;
+                    sampling::cellOf(float(first + x) + 0.5f, grid.origin, grid.nodesPerPixel, grid.nodes, expectedNode,
+                                     expectedFraction);
+                    ASSERT_EQ(node[x], expectedNode) << hwy::TargetName(target) << " pixel " << first + x;
+                    ASSERT_EQ(fraction[x], expectedFraction) << hwy::TargetName(target) << " pixel " << first + x;
+                }
+            }
+    }
+    hwy::SetSupportedTargetsForTest(0);
+}
+
 TEST(SampleCoordsKernels, TilesAndThreadsDoNotChangeThePixels)
 {
     std::mt19937 rng(99);

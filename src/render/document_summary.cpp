@@ -2,11 +2,10 @@
 #include "render/document_summary.h"
 
 #include "model/morph_document.h"
+#include "platform/number_text.h"
 
 #include <QJsonArray>
 #include <QJsonValue>
-
-#include <charconv>
 
 namespace plyra {
 namespace {
@@ -14,10 +13,8 @@ namespace {
 // The shortest decimal that reads back as the same float (0.8, not 0.800000011920929).
 double shortest(float value)
 {
-    char buffer[32];
-    const auto end = std::to_chars(buffer, buffer + sizeof buffer, value).ptr;
     double result = value;
-    std::from_chars(buffer, end, result);
+    readLeadingNumber(shortestFloatText(value), result);
     return result;
 }
 

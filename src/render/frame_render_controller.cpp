@@ -40,12 +40,8 @@ void FrameRenderController::consumeFinishedJobs()
 
 bool FrameRenderController::saveRenderedFrame(const QString& path, QString* error) const
 {
-    if (!m_bitmap) {
-        if (error)
-            *error = QStringLiteral("no frame has been rendered");
-        return false;
-    }
-    return saveFrameAsJpeg(*m_bitmap, path, error);
+    static const Bitmap none; // saving it fails with the reason "no frame has been rendered"
+    return saveFrameAsJpeg(m_bitmap ? *m_bitmap : none, path, error);
 }
 
 } // namespace plyra

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "platform/movie/movie.h"
+
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -32,15 +34,12 @@ inline constexpr std::array<CodecChoice, 5> kCodecChoices{{
 
 /// The qualities offered: minimum, low, normal, high, maximum.
 inline constexpr std::array<QualityChoice, 5> kQualityChoices{{
-    {"Min/smallest", 0},
-    {"Low/small", 256},
-    {"Normal/medium", 512},
-    {"High/large", 768},
-    {"Max/largest", 1023},
+    {"Min/smallest", kCodecMinQuality},
+    {"Low/small", kCodecLowQuality},
+    {"Normal/medium", kCodecNormalQuality},
+    {"High/large", kCodecHighQuality},
+    {"Max/largest", kCodecMaxQuality},
 }};
-
-/// Movie time values are in 600ths of a second.
-inline constexpr std::int32_t kMovieRenderTimeScale = 600;
 
 /// The duration of one frame in 600ths of a second, truncated: 30 at 20 frames per
 /// second, 24 at 25, 20 at 30, 25 at 24, 0 at 1000.

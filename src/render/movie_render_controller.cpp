@@ -6,9 +6,7 @@
 #include "platform/log.h"
 #include "render/movie_codecs.h"
 
-#include <cstdlib>
 #include <filesystem>
-#include <unistd.h>
 
 namespace plyra {
 
@@ -52,15 +50,12 @@ bool MovieRenderController::recalc()
 
 bool MovieRenderController::makeTemporaryMovie()
 {
-    char name[] = "/tmp/Plyra_XXXXXX";
-    const int fd = mkstemp(name);
-    if (fd < 0) {
-        logLine(formatString("CreateMovieStorage error %d", errno));
+    MovieStatus status;
+    m_tempPath = makeTemporaryMoviePath("/tmp/", "Plyra_", &status);
+    if (m_tempPath.empty()) {
+        logLine(formatString("CreateMovieStorage error %d", status.code));
         return false;
     }
-    close(fd);
-    m_tempPath = name;
-    MovieStatus status;
     std::unique_ptr<Movie> movie = Movie::createInStorage(m_tempPath, &status);
     if (!movie) {
         logLine(formatString("CreateMovieStorage error %d", status.code));
@@ -72,7 +67,7 @@ bool MovieRenderController::makeTemporaryMovie()
     movie->setHasAudio(false);
     movie->setHasVideo(true);
     movie->setLinear(true);
-    movie->setDuration({movieDurationValue(settings().numberOfFrames(), fps), kMovieRenderTimeScale, 0});
+    movie->setDuration({movieDurationValue(settings().numberOfFrames(), fps), kMovieTimeScale, 0});
     movie->setHasDuration(true);
     const FrameSize size = frameSize();
     movie->setNaturalSize({size.width, size.height});
@@ -108,7 +103,7 @@ bool MovieRenderController::appendFrame(const MorphCalculationJob::Ptr& job)
     RgbaImage frame = bitmap->bytesPerRow() == static_cast<std::size_t>(width) * 4
         ? RgbaImage::adoptPixels(bitmap->releasePixels(), width, height)
         : RgbaImage::fromPixels(bitmap->data(), width, height, bitmap->bytesPerRow());
-    const MovieTime duration{frameDurationValue(settings().framesPerSecond()), kMovieRenderTimeScale, 0};
+    const MovieTime duration{frameDurationValue(settings().framesPerSecond()), kMovieTimeScale, 0};
     m_writer->asyncAddImage(std::move(frame), duration, AddImageAttributes{fourCharCode(codec()), quality()});
     ++m_framesAppended;
     return true;

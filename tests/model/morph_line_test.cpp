@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <array>
 
 namespace plyra {
 namespace {
@@ -31,118 +31,70 @@ void expectPoint(Point actual, Point expected, float tolerance = 0.0f)
     EXPECT_NEAR(actual.y, expected.y, tolerance);
 }
 
-TEST(MorphLinePointAtTime, NewLineAndMovingIntervals)
+void expectTransform(const AffineTransform& m, const std::array<float, 6>& expected)
+{
+    const std::array<float, 6> actual{m.m11, m.m12, m.m21, m.m22, m.tX, m.tY};
+    for (std::size_t i = 0; i < 6; ++i)
+        EXPECT_NEAR(actual[i], expected[i], 1e-6f) << "number " << i;
+}
+
+MorphLine::Ptr lineAt(Point s0, Point e0, Point s1, Point e1)
+{
+    auto line = MorphLine::create();
+    line->setStartPoint(s0, 0, nullptr);
+    line->setEndPoint(e0, 0, nullptr);
+    line->setStartPoint(s1, 1, nullptr);
+    line->setEndPoint(e1, 1, nullptr);
+    return line;
+}
+
+TEST(MorphLinePointAtTime, MovingIntervalsAndInstants)
 {
     auto fresh = MorphLine::create();
     EXPECT_EQ(fresh->nPoints(), 2u);
-    for (float t : {0.0f, 0.3f, 1.0f}) {
-        EXPECT_EQ(fresh->startPointAtTime(t), (Point{0, 0}));
-        EXPECT_EQ(fresh->endPointAtTime(t), (Point{0, 0}));
+    EXPECT_EQ(fresh->endPointAtTime(0.3f), (Point{0, 0}));
+
+    struct Row {
+        float begin, stop, t;
+        bool last; // P1 rather than P0
+    };
+    // Intervals 0–1 and 0.2–0.6 at their ends; instants at 0.3 (still P0 on the
+    // instant), 0.7 (already P1), 0 and 1; 0.5–0.50005 counts as an instant.
+    const Row rows[] = {
+        {0, 1, 0, false}, {0, 1, 1, true}, {0.2f, 0.6f, 0.1f, false}, {0.2f, 0.6f, 0.2f, false},
+        {0.2f, 0.6f, 0.6f, true}, {0.2f, 0.6f, 0.9f, true}, {0.3f, 0.3f, 0.29f, false},
+        {0.3f, 0.3f, 0.3f, false}, {0.3f, 0.3f, 0.31f, true}, {0.7f, 0.7f, 0.69f, false},
+        {0.7f, 0.7f, 0.7f, true}, {0, 0, 0, false}, {0, 0, 0.001f, true}, {1, 1, 0.999f, false},
+        {1, 1, 1, true}, {0.5f, 0.50005f, 0.49f, false}, {0.5f, 0.50005f, 0.50002f, true},
+    };
+    for (const Row& r : rows) {
+        auto line = lineWithStartMove(r.begin, r.stop);
+        EXPECT_EQ(line->startPointAtTime(r.t), r.last ? kP1 : kP0) << r.begin << "-" << r.stop << " at " << r.t;
     }
-
-    auto full = lineWithStartMove(0.0f, 1.0f);
-    EXPECT_EQ(full->startPointAtTime(0.0f), kP0);
-    EXPECT_EQ(full->startPointAtTime(1.0f), kP1);
-    expectPoint(full->startPointAtTime(0.25f), {0.2f, 0.375f}, 1e-6f);
-
-    auto part = lineWithStartMove(0.2f, 0.6f);
-    EXPECT_FLOAT_EQ(part->startPointBeginMoveTime(), 0.2f);
-    EXPECT_FLOAT_EQ(part->startPointStopMoveTime(), 0.6f);
-    EXPECT_EQ(part->startPointAtTime(0.1f), kP0);
-    EXPECT_EQ(part->startPointAtTime(0.2f), kP0);
-    expectPoint(part->startPointAtTime(0.4f), {0.3f, 0.55f}, 1e-6f);
-    EXPECT_EQ(part->startPointAtTime(0.6f), kP1);
-    EXPECT_EQ(part->startPointAtTime(0.9f), kP1);
+    expectPoint(lineWithStartMove(0, 1)->startPointAtTime(0.25f), {0.2f, 0.375f}, 1e-6f);
+    expectPoint(lineWithStartMove(0.2f, 0.6f)->startPointAtTime(0.4f), {0.3f, 0.55f}, 1e-6f);
 }
 
-TEST(MorphLinePointAtTime, InstantJumps)
+TEST(MorphLineTransform, IdentityTranslationStretchAndTurn)
 {
-    auto early = lineWithStartMove(0.3f, 0.3f);
-    EXPECT_EQ(early->startPointAtTime(0.29f), kP0);
-    EXPECT_EQ(early->startPointAtTime(0.3f), kP0);
-    EXPECT_EQ(early->startPointAtTime(0.31f), kP1);
-
-    auto late = lineWithStartMove(0.7f, 0.7f);
-    EXPECT_EQ(late->startPointAtTime(0.69f), kP0);
-    EXPECT_EQ(late->startPointAtTime(0.7f), kP1);
-    EXPECT_EQ(late->startPointAtTime(0.8f), kP1);
-
-    auto atZero = lineWithStartMove(0.0f, 0.0f);
-    EXPECT_EQ(atZero->startPointAtTime(0.0f), kP0);
-    EXPECT_EQ(atZero->startPointAtTime(0.001f), kP1);
-    EXPECT_EQ(atZero->startPointAtTime(1.0f), kP1);
-
-    auto atOne = lineWithStartMove(1.0f, 1.0f);
-    EXPECT_EQ(atOne->startPointAtTime(0.0f), kP0);
-    EXPECT_EQ(atOne->startPointAtTime(0.999f), kP0);
-    EXPECT_EQ(atOne->startPointAtTime(1.0f), kP1);
-
-    // 0.00005 apart is an instant, so the midpoint is never produced.
-    auto nearlyInstant = lineWithStartMove(0.5f, 0.50005f);
-    EXPECT_EQ(nearlyInstant->startPointAtTime(0.50002f), kP1);
-    EXPECT_EQ(nearlyInstant->startPointAtTime(0.49f), kP0);
-}
-
-TEST(MorphLineTransform, IdentityTranslationAndStretchAlongTheLine)
-{
-    auto line = MorphLine::create();
-    line->setStartPoint({0.2f, 0.2f}, 0, nullptr);
-    line->setEndPoint({0.6f, 0.5f}, 0, nullptr);
-    line->setStartPoint({0.3f, 0.1f}, 1, nullptr);
-    line->setEndPoint({0.7f, 0.4f}, 1, nullptr);
-
-    const AffineTransform same = line->transformFromTime(0.4f, 0.4f);
-    EXPECT_NEAR(same.m11, 1.0f, 1e-6f);
-    EXPECT_NEAR(same.m12, 0.0f, 1e-6f);
-    EXPECT_NEAR(same.m21, 0.0f, 1e-6f);
-    EXPECT_NEAR(same.m22, 1.0f, 1e-6f);
-    EXPECT_NEAR(same.tX, 0.0f, 1e-6f);
-    EXPECT_NEAR(same.tY, 0.0f, 1e-6f);
-
+    auto line = lineAt({0.2f, 0.2f}, {0.6f, 0.5f}, {0.3f, 0.1f}, {0.7f, 0.4f});
+    expectTransform(line->transformFromTime(0.4f, 0.4f), {1, 0, 0, 1, 0, 0});
     // Same direction and length at both times: a pure translation by S1 − S2.
-    const AffineTransform shift = line->transformFromTime(0.0f, 1.0f);
-    EXPECT_NEAR(shift.m11, 1.0f, 1e-6f);
-    EXPECT_NEAR(shift.m22, 1.0f, 1e-6f);
-    EXPECT_NEAR(shift.m12, 0.0f, 1e-6f);
-    EXPECT_NEAR(shift.m21, 0.0f, 1e-6f);
-    EXPECT_NEAR(shift.tX, -0.1f, 1e-6f);
-    EXPECT_NEAR(shift.tY, 0.1f, 1e-6f);
+    expectTransform(line->transformFromTime(0.0f, 1.0f), {1, 0, 0, 1, -0.1f, 0.1f});
 
-    // Track 1 twice as long as track 0, same start and direction (along x): scale 0.5
-    // along the line, 1 across it.
-    auto stretched = MorphLine::create();
-    stretched->setStartPoint({0.1f, 0.5f}, 0, nullptr);
-    stretched->setEndPoint({0.3f, 0.5f}, 0, nullptr);
-    stretched->setStartPoint({0.1f, 0.5f}, 1, nullptr);
-    stretched->setEndPoint({0.5f, 0.5f}, 1, nullptr);
-    const AffineTransform half = stretched->transformFromTime(0.0f, 1.0f);
-    EXPECT_NEAR(half.m11, 0.5f, 1e-6f);
-    EXPECT_NEAR(half.m22, 1.0f, 1e-6f);
-    EXPECT_NEAR(half.m12, 0.0f, 1e-6f);
-    EXPECT_NEAR(half.m21, 0.0f, 1e-6f);
-    expectPoint(half.apply({0.5f, 0.5f}), {0.3f, 0.5f}, 1e-6f); // E2 → E1
-    expectPoint(half.apply({0.3f, 0.7f}), {0.2f, 0.7f}, 1e-6f); // across stays 0.2 away
+    // Track 1 twice as long as track 0, same start and direction: 0.5 along, 1 across.
+    const AffineTransform half
+        = lineAt({0.1f, 0.5f}, {0.3f, 0.5f}, {0.1f, 0.5f}, {0.5f, 0.5f})->transformFromTime(0.0f, 1.0f);
+    expectTransform(half, {0.5f, 0, 0, 1, 0.05f, 0});
+    expectPoint(half.apply({0.3f, 0.7f}), {0.2f, 0.7f}, 1e-6f);
 
-    // A diagonal line: the six numbers keep their order (m12 is the y of the image of x).
-    auto diagonal = MorphLine::create();
-    diagonal->setStartPoint({0.0f, 0.0f}, 0, nullptr);
-    diagonal->setEndPoint({0.0f, 0.2f}, 0, nullptr);
-    diagonal->setStartPoint({0.0f, 0.0f}, 1, nullptr);
-    diagonal->setEndPoint({0.2f, 0.0f}, 1, nullptr);
-    const AffineTransform turn = diagonal->transformFromTime(0.0f, 1.0f); // rotate +90°
-    EXPECT_NEAR(turn.m11, 0.0f, 1e-6f);
-    EXPECT_NEAR(turn.m12, 1.0f, 1e-6f);
-    EXPECT_NEAR(turn.m21, -1.0f, 1e-6f);
-    EXPECT_NEAR(turn.m22, 0.0f, 1e-6f);
+    // A quarter turn: the six numbers keep their order (m12 is the y of the image of x).
+    expectTransform(lineAt({0, 0}, {0, 0.2f}, {0, 0}, {0.2f, 0})->transformFromTime(0.0f, 1.0f), {0, 1, -1, 0, 0, 0});
 
     // No length at t2: a finite translation of the start point.
-    auto point = MorphLine::create();
-    point->setStartPoint({0.4f, 0.4f}, 1, nullptr);
-    point->setEndPoint({0.4f, 0.4f}, 1, nullptr);
-    point->setEndPoint({0.1f, 0.0f}, 0, nullptr);
-    const AffineTransform degenerate = point->transformFromTime(0.0f, 1.0f);
-    EXPECT_TRUE(std::isfinite(degenerate.m11) && std::isfinite(degenerate.tX));
-    expectPoint(degenerate.apply({0.4f, 0.4f}), {0.0f, 0.0f}, 1e-6f);
+    const AffineTransform point
+        = lineAt({0, 0}, {0.1f, 0}, {0.4f, 0.4f}, {0.4f, 0.4f})->transformFromTime(0.0f, 1.0f);
+    expectTransform(point, {1, 0, 0, 1, -0.4f, -0.4f});
 }
 
 PropertyList::Dictionary lineDictionary()

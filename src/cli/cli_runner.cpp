@@ -140,6 +140,21 @@ int renderMovie(const CliOptions& options, MorphDocument& document, std::ostream
     return kExitSuccess;
 }
 
+int writeFrameWarpField(const CliOptions& options, MorphDocument& document, std::ostream& err)
+{
+    // The frame size and grid spacing follow the same rules as a rendered frame's.
+    FrameRenderController frame(document);
+    applyCommonSettings(options, frame);
+    const FrameSize size = frame.frameSize();
+    if (!size.isSet())
+        return fail(err, "the document has no frame size; give one with --size WxH");
+    std::string reason;
+    if (!writeWarpField(document.morphLines(), options.time.value_or(0.5f), {size.width, size.height},
+            frame.interpolationFactor(), options.outputPath, &reason))
+        return fail(err, "cannot write '" + options.outputPath + "': " + reason);
+    return kExitSuccess;
+}
+
 int printInfo(const MorphDocument& document, std::ostream& out)
 {
     out << QJsonDocument(documentSummary(document)).toJson(QJsonDocument::Indented).toStdString();
@@ -159,7 +174,7 @@ int runCli(const CliOptions& options, std::ostream& out, std::ostream& err, cons
     case CliMode::Movie:
         return renderMovie(options, document, out, err, interrupted);
     case CliMode::WarpField:
-        return writeWarpField(options, document, err);
+        return writeFrameWarpField(options, document, err);
     case CliMode::Frame:
     case CliMode::Help:
         break;

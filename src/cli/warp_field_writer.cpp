@@ -3,15 +3,12 @@
 
 #include "engine/morph_calculation_job.h"
 #include "engine/morpher.h"
-#include "model/morph_document.h"
 #include "platform/log.h"
-#include "render/render_settings.h"
 
 #include <QSaveFile>
 
 #include <bit>
 #include <cstring>
-#include <ostream>
 
 namespace plyra {
 namespace {
@@ -52,29 +49,21 @@ std::vector<char> encodeWarpField(const MorphCalculationJob& job)
     return bytes;
 }
 
-int writeWarpField(const CliOptions& options, MorphDocument& document, std::ostream& err)
+bool writeWarpField(const std::vector<MorphLine::Ptr>& lines, float time, Size size, float interval,
+    const std::string& path, std::string* error)
 {
-    FrameSize size{static_cast<float>(document.frameSize().width()), static_cast<float>(document.frameSize().height())};
-    if (options.width && options.height)
-        size = {*options.width, *options.height};
-    if (!size.isSet()) {
-        err << "plyra-render: the document has no frame size; give one with --size WxH\n";
-        return 1;
-    }
-    const float factor = options.interval ? *options.interval : interpolationFactorFromDefaults();
-    const MorphCalculationJob::Ptr job = MorphCalculationJob::create(options.time.value_or(0.5f), {size.width, size.height}, factor);
+    const MorphCalculationJob::Ptr job = MorphCalculationJob::create(time, size, interval);
     // The field needs only the lines; the computation runs here, on this thread.
-    const Morpher::Ptr morpher = Morpher::create(Image(), Image(), document.morphLines());
-    morpher->processMorphCalculationJob(*job);
+    Morpher::create(Image(), Image(), lines)->processMorphCalculationJob(*job);
 
     const std::vector<char> bytes = encodeWarpField(*job);
-    QSaveFile file(QString::fromStdString(options.outputPath));
+    QSaveFile file(QString::fromStdString(path));
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes.data(), static_cast<qint64>(bytes.size())) != static_cast<qint64>(bytes.size())
         || !file.commit()) {
-        err << "plyra-render: cannot write '" << options.outputPath << "': " << file.errorString().toStdString() << "\n";
-        return 1;
+        *error = file.errorString().toStdString();
+        return false;
     }
-    return 0;
+    return true;
 }
 
 } // namespace plyra

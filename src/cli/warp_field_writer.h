@@ -1,15 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "cli/cli_options.h"
+#include "model/morph_line.h"
+#include "platform/image/geometry.h"
 
-#include <iosfwd>
 #include <string>
 #include <vector>
 
 namespace plyra {
 
-class MorphDocument;
 class MorphCalculationJob;
 
 /// The header line of a warp-field file:
@@ -19,7 +18,9 @@ std::string warpFieldHeader(const MorphCalculationJob& job);
 /// little-endian 32-bit floats, four per node, in buffer order.
 std::vector<char> encodeWarpField(const MorphCalculationJob& job);
 
-/// Computes one frame's warp field of the document and writes it to the output path.
-int writeWarpField(const CliOptions& options, MorphDocument& document, std::ostream& err);
+/// Computes the warp field of one frame of the lines and writes it to path; false with
+/// the reason when the file cannot be written (nothing is left at path then).
+bool writeWarpField(const std::vector<MorphLine::Ptr>& lines, float time, Size size, float interval,
+    const std::string& path, std::string* error);
 
 } // namespace plyra

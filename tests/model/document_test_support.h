@@ -39,14 +39,14 @@ protected:
     void resetCounts()
     {
         endPass();
-        objectsUpdated = 0;
-        selectionUpdated = 0;
+        objectsUpdated = selectionUpdated = 0;
     }
 
     QString path(const char* name) const { return m_dir.filePath(QLatin1String(name)); }
 
     /// Writes a PNG whose pixels are colour(x, y), with alpha.
-    QString writePng(const char* name, int width, int height, const std::function<QRgb(int, int)>& colour) const
+    QString writePng(const char* name, int width, int height,
+        const std::function<QRgb(int, int)>& colour = [](int x, int y) { return qRgba(x % 256, y % 256, (x + y) % 256, 255); }) const
     {
         QImage image(width, height, QImage::Format_ARGB32);
         for (int y = 0; y < height; ++y)
@@ -55,10 +55,6 @@ protected:
         const QString file = path(name);
         EXPECT_TRUE(image.save(file, "PNG"));
         return file;
-    }
-    QString writePng(const char* name, int width, int height) const
-    {
-        return writePng(name, width, height, [](int x, int y) { return qRgba(x % 256, y % 256, (x + y) % 256, 255); });
     }
 
     /// A line with the given ends on track 0 and track 1, built without undo.

@@ -10,65 +10,33 @@
 #include <tiffio.h>
 
 #include <cstring>
+#include <functional>
 #include <vector>
 
 namespace plyra {
 namespace {
 
+QImage pattern(int width, int height, QImage::Format format, const std::function<QRgb(int, int)>& colour)
+{
+    QImage image(width, height, format);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            image.setPixel(x, y, colour(x, y));
+    return image;
+}
+
 // Every alpha from clear to opaque with colours that premultiplication would round away.
 QImage unassociatedPattern()
 {
-    QImage image(17, 9, QImage::Format_ARGB32);
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            image.setPixel(x, y, qRgba(x * 15, 255 - y * 20, (x * 7 + y * 31) % 256, (x * 16 + y) % 256));
-    return image;
+    return pattern(17, 9, QImage::Format_ARGB32, [](int x, int y) { return qRgba(x * 15, 255 - y * 20, (x * 7 + y * 31) % 256, (x * 16 + y) % 256); });
 }
 
-QImage premultipliedPattern()
+void expectSamePixels(const QImage& expected, const QImage& actual, const char* what)
 {
-    QImage image(13, 7, QImage::Format_RGBA8888_Premultiplied);
-    for (int y = 0; y < image.height(); ++y) {
-        uchar* line = image.scanLine(y);
-        for (int x = 0; x < image.width(); ++x) {
-            const int alpha = (x * 20 + y * 3) % 256;
-            line[x * 4 + 0] = static_cast<uchar>(alpha * x / 13);
-            line[x * 4 + 1] = static_cast<uchar>(alpha * y / 7);
-            line[x * 4 + 2] = static_cast<uchar>(alpha / 2);
-            line[x * 4 + 3] = static_cast<uchar>(alpha);
-        }
-    }
-    return image;
-}
-
-void expectSameArgb(const QImage& expected, const QImage& actual)
-{
-    ASSERT_EQ(expected.size(), actual.size());
+    ASSERT_EQ(expected.size(), actual.size()) << what;
     for (int y = 0; y < expected.height(); ++y)
         for (int x = 0; x < expected.width(); ++x)
-            ASSERT_EQ(expected.pixel(x, y), actual.pixel(x, y)) << "at " << x << ", " << y;
-}
-
-struct TiffTags {
-    std::uint16_t compression = 0;
-    std::uint16_t samples = 0;
-    std::uint16_t extra = 0;
-};
-
-TiffTags tagsOf(const QString& path)
-{
-    TiffTags tags;
-    TIFF* tiff = TIFFOpen(QFile::encodeName(path).constData(), "r");
-    if (!tiff)
-        return tags;
-    TIFFGetField(tiff, TIFFTAG_COMPRESSION, &tags.compression);
-    TIFFGetFieldDefaulted(tiff, TIFFTAG_SAMPLESPERPIXEL, &tags.samples);
-    std::uint16_t count = 0;
-    std::uint16_t* kinds = nullptr;
-    if (TIFFGetField(tiff, TIFFTAG_EXTRASAMPLES, &count, &kinds) && count > 0)
-        tags.extra = kinds[0];
-    TIFFClose(tiff);
-    return tags;
+            ASSERT_EQ(expected.pixel(x, y), actual.pixel(x, y)) << what << " at " << x << ", " << y;
 }
 
 class TiffIoTest : public ::testing::Test {
@@ -77,48 +45,48 @@ protected:
     QTemporaryDir m_dir;
 };
 
-TEST_F(TiffIoTest, UnassociatedAlphaRoundTripIsExact)
+TEST_F(TiffIoTest, PackBitsRoundTripIsExact)
 {
-    const QImage source = unassociatedPattern();
-    QString error;
-    ASSERT_TRUE(TiffIo::write(source, path("a.tiff"), &error)) << error.toStdString();
-    const std::optional<QImage> read = TiffIo::read(path("a.tiff"), &error);
-    ASSERT_TRUE(read) << error.toStdString();
-    EXPECT_EQ(read->format(), QImage::Format_RGBA8888);
-    expectSameArgb(source, *read);
+    QImage premultiplied(13, 7, QImage::Format_RGBA8888_Premultiplied);
+    for (int y = 0; y < 7; ++y)
+        for (int x = 0; x < 13; ++x) {
+            const int alpha = (x * 20 + y * 3) % 256;
+            const uchar bytes[4] = {static_cast<uchar>(alpha * x / 13), static_cast<uchar>(alpha * y / 7), static_cast<uchar>(alpha / 2), static_cast<uchar>(alpha)};
+            std::memcpy(premultiplied.scanLine(y) + x * 4, bytes, 4);
+        }
+    QImage grey(9, 4, QImage::Format_Grayscale8);
+    for (int y = 0; y < 4; ++y)
+        for (int x = 0; x < 9; ++x)
+            grey.scanLine(y)[x] = static_cast<uchar>(x * 30 + y);
+    struct Case { const char* file; QImage image; QImage::Format readFormat; std::uint16_t samples; std::uint16_t extra; };
+    const std::vector<Case> cases = {
+        {"unassociated.tiff", unassociatedPattern(), QImage::Format_RGBA8888, 4, EXTRASAMPLE_UNASSALPHA},
+        {"premultiplied.tiff", premultiplied, QImage::Format_RGBA8888_Premultiplied, 4, EXTRASAMPLE_ASSOCALPHA},
+        {"opaque.tiff", pattern(31, 5, QImage::Format_RGB32, [](int x, int y) { return qRgb(x * 8, y * 50, 200 - x); }), QImage::Format_RGB888, 3, 0},
+        {"grey.tiff", grey, QImage::Format_RGB888, 3, 0},
+    };
+    for (const Case& c : cases) {
+        QString error;
+        ASSERT_TRUE(TiffIo::write(c.image, path(c.file), &error)) << error.toStdString();
+        const std::optional<QImage> read = TiffIo::read(path(c.file), &error);
+        ASSERT_TRUE(read) << error.toStdString();
+        ASSERT_EQ(read->format(), c.readFormat) << c.file;
+        expectSamePixels(c.image, *read, c.file);
+        for (int y = 0; c.image.format() == c.readFormat && y < c.image.height(); ++y) // premultiplied: the bytes too
+            EXPECT_EQ(0, std::memcmp(c.image.constScanLine(y), read->constScanLine(y), static_cast<std::size_t>(c.image.width()) * 4)) << "row " << y;
 
-    const TiffTags tags = tagsOf(path("a.tiff"));
-    EXPECT_EQ(tags.compression, 32773); // PackBits
-    EXPECT_EQ(tags.samples, 4);
-    EXPECT_EQ(tags.extra, EXTRASAMPLE_UNASSALPHA);
-}
-
-TEST_F(TiffIoTest, PremultipliedRoundTripKeepsStoredBytes)
-{
-    const QImage source = premultipliedPattern();
-    ASSERT_TRUE(TiffIo::write(source, path("p.tiff")));
-    const std::optional<QImage> read = TiffIo::read(path("p.tiff"));
-    ASSERT_TRUE(read);
-    ASSERT_EQ(read->format(), QImage::Format_RGBA8888_Premultiplied);
-    ASSERT_EQ(read->size(), source.size());
-    for (int y = 0; y < source.height(); ++y)
-        EXPECT_EQ(0, std::memcmp(source.constScanLine(y), read->constScanLine(y), static_cast<std::size_t>(source.width()) * 4))
-            << "row " << y;
-    EXPECT_EQ(tagsOf(path("p.tiff")).extra, EXTRASAMPLE_ASSOCALPHA);
-}
-
-TEST_F(TiffIoTest, OpaqueImagesAreStoredWithoutAlpha)
-{
-    QImage source(31, 5, QImage::Format_RGB32);
-    for (int y = 0; y < source.height(); ++y)
-        for (int x = 0; x < source.width(); ++x)
-            source.setPixel(x, y, qRgb(x * 8, y * 50, 200 - x));
-    ASSERT_TRUE(TiffIo::write(source, path("o.tiff")));
-    EXPECT_EQ(tagsOf(path("o.tiff")).samples, 3);
-    const std::optional<QImage> read = TiffIo::read(path("o.tiff"));
-    ASSERT_TRUE(read);
-    EXPECT_FALSE(read->hasAlphaChannel());
-    expectSameArgb(source, *read);
+        TIFF* tiff = TIFFOpen(QFile::encodeName(path(c.file)).constData(), "r");
+        ASSERT_NE(tiff, nullptr);
+        std::uint16_t compression = 0, samples = 0, extraCount = 0;
+        std::uint16_t* extra = nullptr;
+        TIFFGetField(tiff, TIFFTAG_COMPRESSION, &compression);
+        TIFFGetFieldDefaulted(tiff, TIFFTAG_SAMPLESPERPIXEL, &samples);
+        const bool hasExtra = TIFFGetField(tiff, TIFFTAG_EXTRASAMPLES, &extraCount, &extra) && extraCount > 0;
+        EXPECT_EQ(compression, 32773) << c.file; // PackBits
+        EXPECT_EQ(samples, c.samples) << c.file;
+        EXPECT_EQ(hasExtra ? extra[0] : 0, c.extra) << c.file;
+        TIFFClose(tiff);
+    }
 }
 
 TEST_F(TiffIoTest, TheColourProfileTravelsWithThePixels)
@@ -129,22 +97,9 @@ TEST_F(TiffIoTest, TheColourProfileTravelsWithThePixels)
     const std::optional<QImage> read = TiffIo::read(path("p3.tiff"));
     ASSERT_TRUE(read);
     EXPECT_EQ(read->colorSpace(), QColorSpace(QColorSpace::DisplayP3));
-    expectSameArgb(source, *read);
-
+    expectSamePixels(source, *read, "p3");
     ASSERT_TRUE(TiffIo::write(unassociatedPattern(), path("plain.tiff")));
     EXPECT_FALSE(TiffIo::read(path("plain.tiff"))->colorSpace().isValid());
-}
-
-TEST_F(TiffIoTest, GreyImagesComeBackAsTheSameGreys)
-{
-    QImage source(9, 4, QImage::Format_Grayscale8);
-    for (int y = 0; y < source.height(); ++y)
-        for (int x = 0; x < source.width(); ++x)
-            source.scanLine(y)[x] = static_cast<uchar>(x * 30 + y);
-    ASSERT_TRUE(TiffIo::write(source, path("g.tiff")));
-    const std::optional<QImage> read = TiffIo::read(path("g.tiff"));
-    ASSERT_TRUE(read);
-    expectSameArgb(source, *read);
 }
 
 TEST_F(TiffIoTest, OtherLayoutsAreReadThroughLibtiffsConversion)
@@ -173,21 +128,14 @@ TEST_F(TiffIoTest, OtherLayoutsAreReadThroughLibtiffsConversion)
     EXPECT_EQ(read->pixel(2, 1), qRgba(9, 9, 9, 255));
 }
 
-TEST_F(TiffIoTest, MissingFileGivesAReason)
-{
-    QString error;
-    EXPECT_FALSE(TiffIo::read(path("none.tiff"), &error));
-    EXPECT_TRUE(error.contains(path("none.tiff"))) << error.toStdString();
-}
-
-TEST_F(TiffIoTest, DamagedFilesAreRefused)
+TEST_F(TiffIoTest, MissingDamagedOrUnwritableFilesGiveAReason)
 {
     ASSERT_TRUE(TiffIo::write(unassociatedPattern(), path("whole.tiff")));
     QFile whole(path("whole.tiff"));
     ASSERT_TRUE(whole.open(QIODevice::ReadOnly));
     const QByteArray bytes = whole.readAll();
-
-    const std::vector<std::pair<const char*, QByteArray>> cases = {
+    const std::vector<std::pair<const char*, std::optional<QByteArray>>> cases = {
+        {"none.tiff", std::nullopt},
         {"empty.tiff", QByteArray()},
         {"header.tiff", bytes.left(8)},
         {"half.tiff", bytes.left(bytes.size() / 2)},
@@ -196,24 +144,21 @@ TEST_F(TiffIoTest, DamagedFilesAreRefused)
     };
     for (const auto& [name, content] : cases) {
         QFile file(path(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(content);
-        file.close();
+        if (content) {
+            ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(*content) == content->size());
+            file.close();
+        }
         QString error;
         EXPECT_FALSE(TiffIo::read(path(name), &error)) << name;
-        EXPECT_FALSE(error.isEmpty()) << name;
+        EXPECT_TRUE(error.contains(path(name))) << name << ": " << error.toStdString();
     }
-}
 
-TEST_F(TiffIoTest, WritingNothingOrNowhereFails)
-{
     QString error;
     EXPECT_FALSE(TiffIo::write(QImage(), path("null.tiff"), &error));
-    EXPECT_FALSE(error.isEmpty());
+    EXPECT_TRUE(error.contains(path("null.tiff")));
     EXPECT_FALSE(QFile::exists(path("null.tiff")));
-    error.clear();
     EXPECT_FALSE(TiffIo::write(unassociatedPattern(), path("no/such/dir/x.tiff"), &error));
-    EXPECT_FALSE(error.isEmpty());
+    EXPECT_TRUE(error.contains(path("no/such/dir/x.tiff")));
 }
 
 TEST(TiffIo, RecognisesBothByteOrders)

@@ -42,38 +42,25 @@ Image copyOf(const Sampler& sampler, Rect extent, RegionOfInterestCallback roi =
     return Image::fromKernel({copyKernel(), {sampler}, extent, std::move(roi), nullptr});
 }
 
-TEST(ImageValue, EqualityIsIdentityOfTheNode)
+TEST(ImageValue, EqualityIsIdentityAndBadDataGivesNoImage)
 {
     const Bitmap pixels = gradient(4, 4);
     const Image a = Image::fromBitmap(pixels);
     const Image copy = a;
-    const Image b = Image::fromBitmap(pixels);
     EXPECT_TRUE(a == copy);
-    EXPECT_FALSE(a == b);
-    EXPECT_TRUE(Image() == Image());
-    EXPECT_EQ(a.kind(), Image::Kind::Bitmap);
-    EXPECT_EQ(a.extent(), (Rect{0, 0, 4, 4}));
+    EXPECT_FALSE(a == Image::fromBitmap(pixels));
     EXPECT_EQ(Image::fromBitmap(pixels, 10, 20).extent(), (Rect{10, 20, 4, 4}));
     EXPECT_TRUE(Image::fromBitmap(Bitmap()).isNull());
-}
 
-TEST(ImageValue, FloatDataIsCheckedAgainstItsSize)
-{
     std::vector<float> values(2 * 3 * 4, 0.5f);
     const Image image = Image::fromFloatData(values, 32, 2, 3);
     ASSERT_EQ(image.kind(), Image::Kind::FloatBitmap);
-    EXPECT_EQ(image.extent(), (Rect{0, 0, 2, 3}));
     EXPECT_EQ(image.floatBitmap()->pixel(1, 2)[3], 0.5f);
     EXPECT_TRUE(Image::fromFloatData(values, 32, 2, 4).isNull()); // too little data
     EXPECT_TRUE(Image::fromFloatData(values, 16, 2, 3).isNull()); // rows too short
     EXPECT_TRUE(Image::fromFloatData(values, 34, 2, 3).isNull()); // not whole floats
     EXPECT_TRUE(Image::fromFloatData(values, 32, 0, 3).isNull());
-    // Longer rows with padding are fine.
-    EXPECT_FALSE(Image::fromFloatData(std::vector<float>(12 + 8, 1.0f), 48, 2, 2).isNull());
-}
-
-TEST(ImageValue, KernelArgumentsMustMatch)
-{
+    EXPECT_FALSE(Image::fromFloatData(std::vector<float>(12 + 8, 1.0f), 48, 2, 2).isNull()); // padded rows
     EXPECT_TRUE(Image::fromKernel({copyKernel(), {1.0f}, {0, 0, 1, 1}, nullptr, nullptr}).isNull());
     EXPECT_TRUE(Image::fromKernel({nullptr, {}, {0, 0, 1, 1}, nullptr, nullptr}).isNull());
 }
@@ -111,12 +98,9 @@ TEST(ImageRenderer, BitmapsComeOutBottomRowFirstAndTransparentOutside)
     EXPECT_EQ(out.pixel(5, 4), (Pixel{0, 0, 0, 0}));
     EXPECT_TRUE(renderToBitmap(image, {0, 0, 0.9f, 5}).isEmpty());
     EXPECT_TRUE(renderToBitmap(Image(), {0, 0, 2, 2}).samePixels(Bitmap(2, 2)));
-}
-
-TEST(ImageRenderer, FloatImagesAreClampedToBytes)
-{
-    const Image image = Image::fromFloatData({-1.0f, 0.5f, 1.0f, 7.0f}, 16, 1, 1);
-    EXPECT_EQ(renderToBitmap(image, {0, 0, 1, 1}).pixel(0, 0), (Pixel{0, 128, 255, 255}));
+    // Floats are clamped to bytes.
+    const Image floats = Image::fromFloatData({-1.0f, 0.5f, 1.0f, 7.0f}, 16, 1, 1);
+    EXPECT_EQ(renderToBitmap(floats, {0, 0, 1, 1}).pixel(0, 0), (Pixel{0, 128, 255, 255}));
 }
 
 TEST(ImageRenderer, SamplerMatrixPlacesTheImage)
@@ -220,12 +204,13 @@ TEST(ImageRenderer, TilesAndThreadsGiveTheSamePixels)
 
 TEST(ImageRenderer, OneImageRendersOnSeveralThreadsAtOnce)
 {
-    // The reduced levels are built on first use by whichever render gets there first.
-    const Image big = Image::fromBitmap(gradient(256, 256));
-    const Image image = copyOf(Sampler(big, Matrix{0.125f, 0, 0, 0.125f, 0, 0}, SamplerFilter::Linear), {0, 0, 32, 32});
-    const Bitmap reference = renderToBitmap(copyOf(Sampler(big, Matrix{0.125f, 0, 0, 0.125f, 0, 0}, SamplerFilter::Linear),
-                                                   {0, 0, 32, 32}),
-                                            {0, 0, 32, 32});
+    // The reduced levels are built on first use by whichever render gets there first; the
+    // reference comes from a picture of its own so that none are built beforehand.
+    const auto shrunk = [](const Image& big) {
+        return copyOf(Sampler(big, Matrix{0.125f, 0, 0, 0.125f, 0, 0}, SamplerFilter::Linear), {0, 0, 32, 32});
+    };
+    const Bitmap reference = renderToBitmap(shrunk(Image::fromBitmap(gradient(256, 256))), {0, 0, 32, 32});
+    const Image image = shrunk(Image::fromBitmap(gradient(256, 256)));
     std::vector<Bitmap> results(4);
     std::vector<std::thread> threads;
     for (std::size_t k = 0; k < results.size(); ++k)

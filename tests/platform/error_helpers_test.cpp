@@ -4,18 +4,24 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 namespace plyra {
 namespace {
 
 /// Installs a known "Errors" table for one test and puts the previous one back.
 class ErrorsTableScope {
 public:
-    explicit ErrorsTableScope(const char* text)
+    ErrorsTableScope()
         : m_previous(errorsTable())
     {
-        std::string error;
-        std::optional<StringTable> table = StringTable::parse(text, &error);
-        EXPECT_TRUE(table) << error;
+        std::optional<StringTable> table = StringTable::parse(R"(
+"Render.3.Description" = "Rendering failed.";
+"Render.3.FailureReason" = "The frame was too large.";
+"org.plyra.Plyra.ErrorDomain.2.FailureReason" = "The package is damaged.";
+"org.plyra.Plyra.ErrorDomain.2.RecoverySuggestion" = "Open an older copy.";
+)");
+        EXPECT_TRUE(table);
         setErrorsTable(std::make_shared<StringTable>(table ? *table : StringTable()));
     }
     ~ErrorsTableScope() { setErrorsTable(m_previous); }
@@ -26,39 +32,37 @@ private:
     std::shared_ptr<const StringTable> m_previous;
 };
 
-constexpr const char* kTable = R"(
-"Render.3.Description" = "Rendering failed.";
-"Render.3.FailureReason" = "The frame was too large.";
-"org.plyra.Plyra.ErrorDomain.2.FailureReason" = "The package is damaged.";
-"org.plyra.Plyra.ErrorDomain.2.RecoverySuggestion" = "Open an older copy.";
-)";
-
-TEST(ErrorHelpers, LooksUpTheThreeTextsUnderTheStem)
+/// The exception `operation` throws; fails the test when it throws none.
+Exception thrownBy(const std::function<void()>& operation)
 {
-    ErrorsTableScope scope(kTable);
-    const ErrorUserInfo info = userInfoForErrorDomain("Render", 3);
-    EXPECT_EQ(info.at(kLocalizedDescriptionKey), "Rendering failed.");
-    EXPECT_EQ(info.at(kLocalizedFailureReasonErrorKey), "The frame was too large.");
-    // Missing from the table: the key itself is the text.
-    EXPECT_EQ(info.at(kLocalizedRecoverySuggestionErrorKey), "Render.3.RecoverySuggestion");
-    EXPECT_EQ(info.size(), 3u);
+    try {
+        operation();
+    } catch (const Exception& exception) {
+        return exception;
+    }
+    ADD_FAILURE() << "no exception";
+    return Exception("none", "none");
 }
 
-TEST(ErrorHelpers, NegativeCodesKeepTheirSign)
+TEST(ErrorHelpers, LooksUpTheThreeTextsUnderTheStemOrUsesTheKey)
 {
-    ErrorsTableScope scope("");
-    const ErrorUserInfo info = userInfoForErrorDomain("Render", -5);
-    EXPECT_EQ(info.at(kLocalizedDescriptionKey), "Render.-5.Description");
-    EXPECT_EQ(info.at(kLocalizedFailureReasonErrorKey), "Render.-5.FailureReason");
-    EXPECT_EQ(info.at(kLocalizedRecoverySuggestionErrorKey), "Render.-5.RecoverySuggestion");
+    ErrorsTableScope scope;
+    struct Row { int code; const char* description; const char* reason; const char* suggestion; };
+    for (const Row& r : {Row{3, "Rendering failed.", "The frame was too large.", "Render.3.RecoverySuggestion"},
+                         Row{-5, "Render.-5.Description", "Render.-5.FailureReason", "Render.-5.RecoverySuggestion"}}) {
+        const ErrorUserInfo info = userInfoForErrorDomain("Render", r.code);
+        EXPECT_EQ(info.size(), 3u);
+        EXPECT_EQ(info.at(kLocalizedDescriptionKey), r.description);
+        EXPECT_EQ(info.at(kLocalizedFailureReasonErrorKey), r.reason);
+        EXPECT_EQ(info.at(kLocalizedRecoverySuggestionErrorKey), r.suggestion);
+    }
 }
 
 TEST(ErrorHelpers, ExtraEntriesWinOverLookedUpTexts)
 {
-    ErrorsTableScope scope(kTable);
+    ErrorsTableScope scope;
     const ErrorPtr error = applicationErrorWithCode(2, {{kLocalizedDescriptionKey, "Could not open."}, {"Path", "/x"}});
     EXPECT_EQ(error->domain(), "org.plyra.Plyra.ErrorDomain");
-    EXPECT_EQ(applicationErrorDomain(), "org.plyra.Plyra.ErrorDomain");
     EXPECT_EQ(error->code(), 2);
     EXPECT_EQ(*error->localizedDescription(), "Could not open.");
     EXPECT_EQ(*error->localizedFailureReason(), "The package is damaged.");
@@ -67,58 +71,38 @@ TEST(ErrorHelpers, ExtraEntriesWinOverLookedUpTexts)
     EXPECT_FALSE(error->userInfoValue("Other"));
 }
 
-TEST(ErrorHelpers, ExceptionWithErrorCarriesTheVeryError)
+TEST(ErrorHelpers, ExceptionsCarryTheirErrorAndFormattedReason)
 {
     const ErrorPtr error = errorWithDomain("Render", 3);
-    const Exception exception = exceptionWithError(error, "frame %d of %s", 7, "movie");
-    EXPECT_EQ(exception.name(), kGenericException);
-    EXPECT_EQ(exception.reason(), "frame 7 of movie");
-    EXPECT_STREQ(exception.what(), "frame 7 of movie");
-    EXPECT_EQ(exception.error(), error);
+    const Exception made = exceptionWithError(error, "frame %d of %s", 7, "movie");
+    EXPECT_EQ(made.name(), kGenericException);
+    EXPECT_STREQ(made.what(), "frame 7 of movie");
+    EXPECT_EQ(made.error(), error);
     EXPECT_EQ(Exception("Other", "no error").error(), nullptr);
-}
 
-TEST(ErrorHelpers, RaiseErrorThrowsAGenericException)
-{
-    const ErrorPtr error = errorWithDomain("Render", 3);
-    try {
-        raiseError(error, "%s failed", "copy");
-        FAIL() << "raiseError returned";
-    } catch (const Exception& exception) {
-        EXPECT_EQ(exception.name(), "NSGenericException");
-        EXPECT_EQ(exception.reason(), "copy failed");
-        EXPECT_EQ(exception.error(), error);
-    }
+    const Exception raised = thrownBy([&] { raiseError(error, "%s failed", "copy"); });
+    EXPECT_EQ(raised.name(), "NSGenericException");
+    EXPECT_EQ(raised.reason(), "copy failed");
+    EXPECT_EQ(raised.error(), error);
+
+    const Exception status = thrownBy([] { raiseOSStatus(-50, "status %d", -50); });
+    EXPECT_EQ(status.name(), "NSGenericException");
+    EXPECT_EQ(status.reason(), "status -50");
+    ASSERT_TRUE(status.error());
+    EXPECT_EQ(status.error()->domain(), "NSOSStatusErrorDomain");
+    EXPECT_EQ(status.error()->code(), -50);
 }
 
 TEST(ErrorHelpers, RaiseErrorDomainNamesTheExceptionAfterTheDomain)
 {
-    ErrorsTableScope scope(kTable);
-    try {
-        raiseErrorDomain("Render", 3, "at %.1f", 0.5);
-        FAIL() << "raiseErrorDomain returned";
-    } catch (const Exception& exception) {
-        EXPECT_EQ(exception.name(), "Render");
-        EXPECT_EQ(exception.reason(), "at 0.5");
-        ASSERT_TRUE(exception.error());
-        EXPECT_EQ(exception.error()->domain(), "Render");
-        EXPECT_EQ(exception.error()->code(), 3);
-        EXPECT_EQ(*exception.error()->localizedDescription(), "Rendering failed.");
-    }
-}
-
-TEST(ErrorHelpers, RaiseOSStatusUsesTheStatusDomain)
-{
-    try {
-        raiseOSStatus(-50, "status %d", -50);
-        FAIL() << "raiseOSStatus returned";
-    } catch (const Exception& exception) {
-        EXPECT_EQ(exception.name(), "NSGenericException");
-        ASSERT_TRUE(exception.error());
-        EXPECT_EQ(exception.error()->domain(), "NSOSStatusErrorDomain");
-        EXPECT_EQ(exception.error()->code(), -50);
-        EXPECT_EQ(exception.reason(), "status -50");
-    }
+    ErrorsTableScope scope;
+    const Exception exception = thrownBy([] { raiseErrorDomain("Render", 3, "at %.1f", 0.5); });
+    EXPECT_EQ(exception.name(), "Render");
+    EXPECT_EQ(exception.reason(), "at 0.5");
+    ASSERT_TRUE(exception.error());
+    EXPECT_EQ(exception.error()->domain(), "Render");
+    EXPECT_EQ(exception.error()->code(), 3);
+    EXPECT_EQ(*exception.error()->localizedDescription(), "Rendering failed.");
 }
 
 TEST(ErrorHelpers, InternalInconsistencyNamesWhereItHappened)

@@ -11,8 +11,8 @@
 
 namespace plyra::test {
 
-/// A frame with a gradient, a moving square and fine texture, so that codecs have detail
-/// to spend quality on. Opaque unless `alpha` is below 255 (then premultiplied).
+/// A gradient with a moving square and fine texture, so codecs have detail to spend
+/// quality on; premultiplied when `alpha` is below 255.
 inline RgbaImage movieTestFrame(int index, int width = 64, int height = 48, uint8_t alpha = 255)
 {
     RgbaImage image(width, height);
@@ -34,13 +34,13 @@ inline RgbaImage movieTestFrame(int index, int width = 64, int height = 48, uint
     return image;
 }
 
-/// A folder under the system's temporary folder, removed with everything in it.
+/// A fresh folder under the temporary folder, removed with its contents.
 class ScratchFolder {
 public:
-    ScratchFolder()
+    ScratchFolder() : m_path((std::filesystem::temp_directory_path() / "plyra_movie_test_XXXXXX").string())
     {
-        std::string pattern = (std::filesystem::temp_directory_path() / "plyra_movie_test_XXXXXX").string();
-        m_path = ::mkdtemp(pattern.data()) ? pattern : std::string();
+        if (!::mkdtemp(m_path.data()))
+            m_path.clear();
     }
     ~ScratchFolder()
     {
@@ -57,28 +57,24 @@ private:
     std::string m_path;
 };
 
-/// What ffprobe says about the first video stream of a file (key=value entries), empty
-/// when ffprobe cannot read it.
+/// ffprobe's key=value entries for the first video stream; empty when it cannot read it.
 inline std::map<std::string, std::string> probeVideo(const std::string& path)
 {
     const std::string command = "ffprobe -v error -select_streams v:0 -count_frames -show_entries "
-                                "stream=codec_name,codec_tag_string,nb_read_frames,r_frame_rate,avg_frame_rate,"
+                                "stream=codec_name,nb_read_frames,r_frame_rate,avg_frame_rate,"
                                 "duration,width,height,pix_fmt -of default=noprint_wrappers=1 '"
                               + path + "' 2>/dev/null";
     std::map<std::string, std::string> entries;
     FILE* pipe = ::popen(command.c_str(), "r");
-    if (!pipe)
-        return entries;
     char line[512];
-    while (std::fgets(line, sizeof line, pipe)) {
+    while (pipe && std::fgets(line, sizeof line, pipe)) {
         std::string text(line);
-        while (!text.empty() && (text.back() == '\n' || text.back() == '\r'))
-            text.pop_back();
-        const size_t equals = text.find('=');
-        if (equals != std::string::npos)
+        text.erase(text.find_last_not_of("\r\n") + 1);
+        if (const size_t equals = text.find('='); equals != std::string::npos)
             entries[text.substr(0, equals)] = text.substr(equals + 1);
     }
-    ::pclose(pipe);
+    if (pipe)
+        ::pclose(pipe);
     return entries;
 }
 

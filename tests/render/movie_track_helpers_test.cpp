@@ -5,30 +5,21 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 
 namespace plyra {
 namespace {
 
-RgbaImage grayFrame(uint8_t level)
-{
-    RgbaImage image(32, 24);
-    for (int y = 0; y < 24; ++y)
-        for (int x = 0; x < 32; ++x) {
-            uint8_t* p = image.pixel(x, y);
-            p[0] = p[1] = p[2] = static_cast<uint8_t>(level + x);
-            p[3] = 255;
-        }
-    return image;
-}
-
-/// A movie of `seconds` one-second Motion JPEG frames (every frame a key frame).
+/// A movie of `seconds` one-second 32 × 24 Motion JPEG frames (every one a key frame).
 std::unique_ptr<Movie> movieOfSeconds(int seconds)
 {
     auto movie = Movie::createInMemory();
-    for (int i = 0; i < seconds; ++i)
-        EXPECT_TRUE(movie->addImage(grayFrame(static_cast<uint8_t>(i * 20)), {600, 600, 0},
-                                    AddImageAttributes{fourCharCode("mjpb"), 512}).ok());
+    for (int i = 0; i < seconds; ++i) {
+        RgbaImage image(32, 24);
+        std::fill_n(image.pixel(0, 0), 4 * 32 * 24, static_cast<uint8_t>(i * 20));
+        EXPECT_TRUE(movie->addImage(image, {600, 600, 0}, AddImageAttributes{fourCharCode("mjpb"), 512}).ok());
+    }
     return movie;
 }
 
@@ -44,43 +35,28 @@ Exception thrownBy(const std::function<void()>& operation)
     return Exception("none", "none");
 }
 
-TEST(MovieTrackHelpers, MediaTypeNamesMapToTheirCodes)
+TEST(MovieTrackHelpers, MediaTypeNamesMapToTheirCodesOrTheirFirstFourMacRomanBytes)
 {
-    const std::pair<const char*, const char*> table[] = {
-        {kMediaTypeVideo, "vide"}, {kMediaTypeSound, "soun"}, {kMediaTypeText, "text"},
-        {kMediaTypeBase, "gnrc"},  {kMediaTypeMPEG, "MPEG"},  {kMediaTypeMusic, "musi"},
-        {kMediaTypeTimeCode, "tmcd"}, {kMediaTypeSprite, "sprt"}, {kMediaTypeFlash, "flsh"},
-        {kMediaTypeMovie, "moov"}, {kMediaTypeTween, "twen"}, {kMediaType3D, "qd3d"},
-        {kMediaTypeSkin, "skin"},
+    const std::pair<const char*, uint32_t> table[] = {
+        {kMediaTypeVideo, fourCharCode("vide")}, {kMediaTypeSound, fourCharCode("soun")},
+        {kMediaTypeText, fourCharCode("text")}, {kMediaTypeBase, fourCharCode("gnrc")},
+        {kMediaTypeMPEG, fourCharCode("MPEG")}, {kMediaTypeMusic, fourCharCode("musi")},
+        {kMediaTypeTimeCode, fourCharCode("tmcd")}, {kMediaTypeSprite, fourCharCode("sprt")},
+        {kMediaTypeFlash, fourCharCode("flsh")}, {kMediaTypeMovie, fourCharCode("moov")},
+        {kMediaTypeTween, fourCharCode("twen")}, {kMediaType3D, fourCharCode("qd3d")},
+        {kMediaTypeSkin, fourCharCode("skin")}, {"abcdef", 0x61626364u}, {"ab", 0x61620000u}, {"", 0u},
+        // "é" is 0x8E, "€" 0xDB and "π" 0xB9 in Mac OS Roman; "中" and a stray 0xFF have no byte there.
+        {"\xC3\xA9t\xE2\x82\xAC\xCF\x80x", 0x8e74dbb9u}, {"\xE4\xB8\xAD", 0x3f000000u}, {"\xFF" "abc", 0x3f616263u},
     };
     for (const auto& [name, code] : table)
-        EXPECT_EQ(mediaCodeForMediaType(name), fourCharCode(code)) << name;
-}
-
-TEST(MovieTrackHelpers, OtherNamesUseTheirFirstFourMacRomanBytes)
-{
-    EXPECT_EQ(mediaCodeForMediaType("abcdef"), 0x61626364u);
-    EXPECT_EQ(mediaCodeForMediaType("ab"), 0x61620000u);
-    EXPECT_EQ(mediaCodeForMediaType(""), 0u);
-    // "é" is 0x8E, "€" 0xDB and "π" 0xB9 in Mac OS Roman; "中" has no byte there.
-    EXPECT_EQ(mediaCodeForMediaType("\xC3\xA9t\xE2\x82\xAC\xCF\x80x"), 0x8e74dbb9u);
-    EXPECT_EQ(mediaCodeForMediaType("\xE4\xB8\xAD"), 0x3f000000u);
-    EXPECT_EQ(mediaCodeForMediaType("\xFF" "abc"), 0x3f616263u);
-}
-
-TEST(MovieTrackHelpers, EditableOnlyWhenTheAttributeSaysSo)
-{
-    auto movie = Movie::createInMemory();
-    EXPECT_FALSE(isEditable(*movie));
-    movie->setEditable(false);
-    EXPECT_FALSE(isEditable(*movie));
-    movie->setEditable(true);
-    EXPECT_TRUE(isEditable(*movie));
+        EXPECT_EQ(mediaCodeForMediaType(name), code) << name;
 }
 
 TEST(MovieTrackHelpers, AddingATrackToAMovieThatIsNotEditableFails)
 {
     auto movie = Movie::createInMemory();
+    movie->setEditable(false);
+    EXPECT_FALSE(isEditable(*movie));
     const Exception exception = thrownBy([&] { addTrackOfMediaType(*movie, kMediaTypeVideo, {320, 240}, 0); });
     EXPECT_EQ(exception.name(), "NSInternalInconsistencyException");
     EXPECT_EQ(exception.reason(), "Can't add a track when the movie isn't editable");
@@ -88,6 +64,7 @@ TEST(MovieTrackHelpers, AddingATrackToAMovieThatIsNotEditableFails)
     ASSERT_TRUE(exception.error());
     EXPECT_EQ(exception.error()->domain(), "NSOSStatusErrorDomain");
     EXPECT_EQ(movie->trackCount(), 0u);
+    EXPECT_FALSE(isEditable(*Movie::createInMemory())); // absent counts as not editable
 }
 
 TEST(MovieTrackHelpers, NewTrackIsTruncatedToWholePixelsAndSpansTheMovie)
@@ -96,25 +73,19 @@ TEST(MovieTrackHelpers, NewTrackIsTruncatedToWholePixelsAndSpansTheMovie)
     movie->setEditable(true);
     movie->setDuration({1200, 600, 0});
     MovieTrack* track = addTrackOfMediaType(*movie, kMediaTypeVideo, {320.99f, 240.01f}, 256);
-    ASSERT_TRUE(track);
+    ASSERT_TRUE(track && track->media());
     EXPECT_EQ(track->size().width, 320);
     EXPECT_EQ(track->size().height, 240);
-    EXPECT_EQ(track->volume(), 256);
     EXPECT_EQ(track->mediaType(), fourCharCode("vide"));
-    ASSERT_TRUE(track->media());
-    EXPECT_EQ(track->media()->storage(), MediaStorage::Memory);
     EXPECT_EQ(track->media()->timeScale(), 600);
-    EXPECT_EQ(track->media()->sampleCount(), 0u);
     EXPECT_EQ(track->range(), (MovieTimeRange{{0, 600, 0}, {1200, 600, 0}}));
     ASSERT_EQ(track->edits().size(), 1u);
     EXPECT_EQ(track->edits()[0].mediaDuration, 1200);
-    EXPECT_EQ(track->edits()[0].rate, 1.0);
 
     MovieTrack* odd = addTrackOfMediaType(*movie, "zz", {-5, 1e9f}, 0);
     EXPECT_EQ(odd->mediaType(), 0x7a7a0000u);
     EXPECT_EQ(odd->size().width, 0);
     EXPECT_EQ(odd->size().height, 32767);
-    EXPECT_EQ(movie->trackCount(), 2u);
 }
 
 TEST(MovieTrackHelpers, CopyOfARangeStartsAtZeroAndLastsTheRange)
@@ -129,7 +100,6 @@ TEST(MovieTrackHelpers, CopyOfARangeStartsAtZeroAndLastsTheRange)
     ASSERT_EQ(copy->media()->sampleCount(), 2u);
     EXPECT_EQ(copy->media()->sampleData(0), track.media()->sampleData(5));
     EXPECT_EQ(copy->media()->sampleData(1), track.media()->sampleData(6));
-    EXPECT_EQ(copy->media()->storage(), MediaStorage::Memory);
     EXPECT_EQ(copy->size().width, 32);
 }
 
@@ -147,29 +117,22 @@ TEST(MovieTrackHelpers, CopyOfAWholeTrackAndOfAnExplicitRange)
     ASSERT_EQ(part->media()->sampleCount(), 2u);
     EXPECT_EQ(part->media()->sample(1).duration, 300);
     EXPECT_EQ(part->range().duration.value, 600);
-    EXPECT_EQ(target->trackCount(), 2u);
 }
 
-TEST(MovieTrackHelpers, EmptyCopyOfATrackWithoutMediaIsNull)
-{
-    auto source = Movie::createInMemory();
-    MovieTrack* bare = source->newTrack({10, 10}, 0);
-    auto target = Movie::createInMemory();
-    EXPECT_EQ(addEmptyCopyOfTrack(*target, *bare), nullptr);
-    EXPECT_EQ(addCopyOfTrack(*target, *bare), nullptr);
-    EXPECT_EQ(target->trackCount(), 0u);
-}
-
-TEST(MovieTrackHelpers, EmptyCopyHasTheSourceShapeAndNoSamples)
+TEST(MovieTrackHelpers, EmptyCopyHasTheSourceShapeOrIsNullWithoutMedia)
 {
     auto source = movieOfSeconds(2);
     auto target = Movie::createInMemory();
     MovieTrack* copy = addEmptyCopyOfTrack(*target, *source->lastVideoTrack());
     ASSERT_TRUE(copy);
-    EXPECT_EQ(copy->mediaType(), kVideoMediaType);
     EXPECT_EQ(copy->media()->codecName(), "mjpeg");
     EXPECT_EQ(copy->media()->sampleCount(), 0u);
     EXPECT_EQ(copy->range().duration.value, 0);
+
+    MovieTrack* bare = source->newTrack({10, 10}, 0);
+    EXPECT_EQ(addEmptyCopyOfTrack(*target, *bare), nullptr);
+    EXPECT_EQ(addCopyOfTrack(*target, *bare), nullptr);
+    EXPECT_EQ(target->trackCount(), 1u);
 }
 
 TEST(MovieTrackHelpers, CopyThatCannotBeInsertedRaisesTheInsertFailure)

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QColorSpace>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -54,10 +53,7 @@ TEST_F(TiffIoTest, PackBitsRoundTripIsExact)
             const uchar bytes[4] = {static_cast<uchar>(alpha * x / 13), static_cast<uchar>(alpha * y / 7), static_cast<uchar>(alpha / 2), static_cast<uchar>(alpha)};
             std::memcpy(premultiplied.scanLine(y) + x * 4, bytes, 4);
         }
-    QImage grey(9, 4, QImage::Format_Grayscale8);
-    for (int y = 0; y < 4; ++y)
-        for (int x = 0; x < 9; ++x)
-            grey.scanLine(y)[x] = static_cast<uchar>(x * 30 + y);
+    const QImage grey = pattern(9, 4, QImage::Format_Grayscale8, [](int x, int y) { return qRgb(x * 30 + y, x * 30 + y, x * 30 + y); });
     struct Case { const char* file; QImage image; QImage::Format readFormat; std::uint16_t samples; std::uint16_t extra; };
     const std::vector<Case> cases = {
         {"unassociated.tiff", unassociatedPattern(), QImage::Format_RGBA8888, 4, EXTRASAMPLE_UNASSALPHA},
@@ -74,11 +70,9 @@ TEST_F(TiffIoTest, PackBitsRoundTripIsExact)
         expectSamePixels(c.image, *read, c.file);
         for (int y = 0; c.image.format() == c.readFormat && y < c.image.height(); ++y) // premultiplied: the bytes too
             EXPECT_EQ(0, std::memcmp(c.image.constScanLine(y), read->constScanLine(y), static_cast<std::size_t>(c.image.width()) * 4)) << "row " << y;
-
         TIFF* tiff = TIFFOpen(QFile::encodeName(path(c.file)).constData(), "r");
         ASSERT_NE(tiff, nullptr);
-        std::uint16_t compression = 0, samples = 0, extraCount = 0;
-        std::uint16_t* extra = nullptr;
+        std::uint16_t compression = 0, samples = 0, extraCount = 0, *extra = nullptr;
         TIFFGetField(tiff, TIFFTAG_COMPRESSION, &compression);
         TIFFGetFieldDefaulted(tiff, TIFFTAG_SAMPLESPERPIXEL, &samples);
         const bool hasExtra = TIFFGetField(tiff, TIFFTAG_EXTRASAMPLES, &extraCount, &extra) && extraCount > 0;
@@ -89,51 +83,11 @@ TEST_F(TiffIoTest, PackBitsRoundTripIsExact)
     }
 }
 
-TEST_F(TiffIoTest, TheColourProfileTravelsWithThePixels)
-{
-    QImage source = unassociatedPattern();
-    source.setColorSpace(QColorSpace(QColorSpace::DisplayP3));
-    ASSERT_TRUE(TiffIo::write(source, path("p3.tiff")));
-    const std::optional<QImage> read = TiffIo::read(path("p3.tiff"));
-    ASSERT_TRUE(read);
-    EXPECT_EQ(read->colorSpace(), QColorSpace(QColorSpace::DisplayP3));
-    expectSamePixels(source, *read, "p3");
-    ASSERT_TRUE(TiffIo::write(unassociatedPattern(), path("plain.tiff")));
-    EXPECT_FALSE(TiffIo::read(path("plain.tiff"))->colorSpace().isValid());
-}
-
-TEST_F(TiffIoTest, OtherLayoutsAreReadThroughLibtiffsConversion)
-{
-    // A one-channel grey TIFF with LZW, as other programs write it.
-    TIFF* tiff = TIFFOpen(QFile::encodeName(path("grey.tiff")).constData(), "w");
-    ASSERT_NE(tiff, nullptr);
-    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 3u);
-    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 2u);
-    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8);
-    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 1);
-    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
-    TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_LZW);
-    TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, 2u);
-    unsigned char rows[2][3] = {{0, 100, 255}, {7, 8, 9}};
-    TIFFWriteScanline(tiff, rows[0], 0, 0);
-    TIFFWriteScanline(tiff, rows[1], 1, 0);
-    TIFFClose(tiff);
-
-    const std::optional<QImage> read = TiffIo::read(path("grey.tiff"));
-    ASSERT_TRUE(read);
-    ASSERT_EQ(read->size(), QSize(3, 2));
-    EXPECT_EQ(read->pixel(0, 0), qRgba(0, 0, 0, 255));
-    EXPECT_EQ(read->pixel(1, 0), qRgba(100, 100, 100, 255));
-    EXPECT_EQ(read->pixel(2, 0), qRgba(255, 255, 255, 255));
-    EXPECT_EQ(read->pixel(2, 1), qRgba(9, 9, 9, 255));
-}
-
 TEST_F(TiffIoTest, MissingDamagedOrUnwritableFilesGiveAReason)
 {
     ASSERT_TRUE(TiffIo::write(unassociatedPattern(), path("whole.tiff")));
     QFile whole(path("whole.tiff"));
-    ASSERT_TRUE(whole.open(QIODevice::ReadOnly));
-    const QByteArray bytes = whole.readAll();
+    const QByteArray bytes = whole.open(QIODevice::ReadOnly) ? whole.readAll() : QByteArray();
     const std::vector<std::pair<const char*, std::optional<QByteArray>>> cases = {
         {"none.tiff", std::nullopt},
         {"empty.tiff", QByteArray()},
@@ -159,14 +113,6 @@ TEST_F(TiffIoTest, MissingDamagedOrUnwritableFilesGiveAReason)
     EXPECT_FALSE(QFile::exists(path("null.tiff")));
     EXPECT_FALSE(TiffIo::write(unassociatedPattern(), path("no/such/dir/x.tiff"), &error));
     EXPECT_TRUE(error.contains(path("no/such/dir/x.tiff")));
-}
-
-TEST(TiffIo, RecognisesBothByteOrders)
-{
-    EXPECT_TRUE(TiffIo::hasTiffSignature(QByteArrayLiteral("II*\0rest")));
-    EXPECT_TRUE(TiffIo::hasTiffSignature(QByteArrayLiteral("MM\0*rest")));
-    EXPECT_FALSE(TiffIo::hasTiffSignature(QByteArrayLiteral("II*")));
-    EXPECT_FALSE(TiffIo::hasTiffSignature(QByteArrayLiteral("%PDF-1.4")));
 }
 
 } // namespace

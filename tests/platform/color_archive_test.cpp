@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <bit>
-#include <cctype>
 #include <cstdint>
 #include <fstream>
 #include <iterator>
@@ -30,12 +29,10 @@ Bytes readFile(const std::string& name)
 
 Bytes hex(std::string_view text)
 {
-    Bytes bytes;
-    std::string digits;
-    for (char c : text)
-        digits += std::isxdigit(static_cast<unsigned char>(c)) ? std::string(1, c) : "";
-    for (std::size_t i = 0; i + 1 < digits.size(); i += 2)
-        bytes.push_back(static_cast<std::uint8_t>(std::stoul(digits.substr(i, 2), nullptr, 16)));
+    Bytes bytes; // pairs of digits, groups of them apart by spaces
+    for (std::size_t i = 0; i + 1 < text.size(); i += text[i] == ' ' ? 1 : 2)
+        if (text[i] != ' ')
+            bytes.push_back(static_cast<std::uint8_t>(std::stoul(std::string(text.substr(i, 2)), nullptr, 16)));
     return bytes;
 }
 
@@ -51,11 +48,7 @@ const Bytes colorPrefix = hex("040b73747265616d747970656481e803 840140"
                               "848484074e53436f6c6f7200 8484084e534f626a65637400 85");
 
 /// A vector from INDEX.tsv with the "key: value" lines of its description.
-struct Vector {
-    std::string file;
-    bool accept = false;
-    std::map<std::string, std::string> fields;
-};
+struct Vector { std::string file; bool accept = false; std::map<std::string, std::string> fields; };
 
 std::vector<Vector> readIndex()
 {
@@ -105,19 +98,6 @@ void expectAccepted(const Vector& vector, const Bytes& bytes)
     expectComponents(*color->fallback, vector.fields.at("fallback_kind"), vector.fields.at("fallback_float32_bits"));
 }
 
-/// The reason is the part of "reject (our decoder: <reason>)" in the description.
-void expectRejected(const Vector& vector, const Bytes& bytes)
-{
-    const std::string& expected = vector.fields.at("expected");
-    const std::string marker = "our decoder: ";
-    const std::size_t at = expected.find(marker);
-    ASSERT_NE(at, std::string::npos);
-    std::string error;
-    EXPECT_FALSE(readColorArchive(bytes, &error));
-    EXPECT_NE(error.find(expected.substr(at + marker.size(), expected.rfind(')') - at - marker.size())), std::string::npos)
-        << "error: " << error;
-}
-
 TEST(ColorArchiveVectors, EachIsReadAsListedAndEveryTruncationIsRefused)
 {
     int accepted = 0;
@@ -125,8 +105,13 @@ TEST(ColorArchiveVectors, EachIsReadAsListedAndEveryTruncationIsRefused)
     for (const Vector& vector : vectors) {
         SCOPED_TRACE(vector.file);
         const Bytes bytes = readFile(vector.file);
-        if (!vector.accept) {
-            expectRejected(vector, bytes);
+        if (!vector.accept) { // the reason is the part of "reject (our decoder: <reason>)"
+            const std::string& expected = vector.fields.at("expected");
+            const std::size_t at = expected.find("our decoder: ") + 13;
+            std::string error;
+            EXPECT_FALSE(readColorArchive(bytes, &error));
+            ASSERT_GE(at, 13u);
+            EXPECT_NE(error.find(expected.substr(at, expected.rfind(')') - at)), std::string::npos) << "error: " << error;
             continue;
         }
         ++accepted;
@@ -159,28 +144,13 @@ TEST(ColorArchiveWriter, ReproducesEveryLittleEndianCalibratedVector)
     EXPECT_EQ(reproduced, 17);
 }
 
-TEST(ColorArchiveWriter, CalibratedColoursRoundTripBitForBitAndOthersAsCalibratedRgb)
+TEST(ColorArchiveWriter, OtherKindsAreWrittenAsCalibratedRgb)
 {
-    const float nan = std::numeric_limits<float>::quiet_NaN();
-    for (const ArchivedColor& color : { ArchivedColor::calibratedRgb(0.123f, 0.5f, 0.0f, 1.0f),
-             ArchivedColor::calibratedRgb(-1.0f, 300.0f, 70000.0f, -0.0f), ArchivedColor::calibratedRgb(-200.0f, 3e9f, 1e-30f, 0.999999f),
-             ArchivedColor::calibratedWhite(0.123f, 0.5f), ArchivedColor::calibratedWhite(1.0f, 0.0f),
-             ArchivedColor::calibratedRgb(nan, 0.0f, 0.0f, 1.0f) }) {
-        std::string error;
-        const auto back = readColorArchive(writeColorArchive(color), &error);
-        ASSERT_TRUE(back) << error;
-        EXPECT_EQ(back->kind, color.kind);
-        for (std::size_t i = 0; i < ArchivedColor::maxComponents; ++i)
-            EXPECT_EQ(std::bit_cast<std::uint32_t>(back->components[i]), std::bit_cast<std::uint32_t>(color.components[i]));
-    }
     for (const ArchivedColor& color : { ArchivedColor::deviceRgb(0.25f, 0.5f, 0.75f, 1.0f), ArchivedColor::deviceWhite(0.123f, 1.0f),
-             ArchivedColor::deviceCmyk(0.1f, 0.2f, 0.3f, 0.4f, 0.5f),
-             ArchivedColor::named("System", "textColor", ArchivedColor::calibratedWhite(0.25f, 1.0f)),
+             ArchivedColor::deviceCmyk(0.1f, 0.2f, 0.3f, 0.4f, 0.5f), ArchivedColor::named("System", "textColor", ArchivedColor::calibratedWhite(0.25f, 1.0f)),
              ArchivedColor::named("System", "gridColor", std::nullopt) }) {
         const auto back = readColorArchive(writeColorArchive(color));
-        ASSERT_TRUE(back);
-        EXPECT_EQ(back->kind, ColorSpaceKind::CalibratedRgb);
-        EXPECT_EQ(back->rgba(), color.rgba());
+        EXPECT_TRUE(back && back->kind == ColorSpaceKind::CalibratedRgb && back->rgba() == color.rgba()) << color.name;
     }
 }
 
@@ -198,15 +168,6 @@ TEST(ArchivedColor, RgbaOfEveryKindClampedWithNanAsZero)
         EXPECT_EQ(color.rgba(), rgba) << color.name;
 }
 
-TEST(ArchivedColor, EqualityComparesFallbacksByValue)
-{
-    const auto a = ArchivedColor::named("System", "textColor", ArchivedColor::calibratedWhite(0, 1));
-    EXPECT_EQ(a, ArchivedColor::named("System", "textColor", ArchivedColor::calibratedWhite(0, 1)));
-    EXPECT_NE(a, ArchivedColor::named("System", "textColor", std::nullopt));
-    EXPECT_NE(a, ArchivedColor::named("System", "textColor", ArchivedColor::calibratedWhite(1, 1)));
-    EXPECT_NE(ArchivedColor::calibratedRgb(1, 0, 0, 1), ArchivedColor::deviceRgb(1, 0, 0, 1));
-}
-
 // A named colour whose fallback is named again, levels deep; the innermost has none.
 // Shared strings 3 "c" and 4 "@@@"; object 1 is the NSColor class.
 Bytes nestedNamedColour(int levels)
@@ -220,17 +181,12 @@ Bytes nestedNamedColour(int levels)
     return bytes;
 }
 
-TEST(ColorArchiveDamage, NestedFallbacksAreReadUpToALimit)
+TEST(ColorArchiveDamage, IsRefusedWithItsReasonAndNestedFallbacksUpToALimit)
 {
     const auto shallow = readColorArchive(nestedNamedColour(3));
-    ASSERT_TRUE(shallow);
-    ASSERT_TRUE(shallow->fallback);
+    ASSERT_TRUE(shallow && shallow->fallback);
     EXPECT_EQ(shallow->fallback->kind, ColorSpaceKind::Named);
     EXPECT_EQ(shallow->rgba(), (Rgba { 0.0f, 0.0f, 0.0f, 1.0f }));
-}
-
-TEST(ColorArchiveDamage, IsRefusedWithItsReason)
-{
     const Bytes header = hex("040b73747265616d747970656481e803 840140");
     // A named colour whose catalog is an object of class NSString, up to its string's length.
     const Bytes stringStart = colorPrefix + hex("840163 06 8403404040 84 84 84 084e53537472696e67 01 94 84012b");

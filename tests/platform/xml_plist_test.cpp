@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/plist/xml_plist.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -18,29 +17,21 @@ using Array = PropertyList::Array;
 using Data = PropertyList::Data;
 using Dictionary = PropertyList::Dictionary;
 
-// Written by another property-list implementation in the binary form: a dictionary with
-// blob = <0001feff>, count = 42, empty = {}, flag = true, list = (a, 1, ()),
-// name = "café <&>", neg = -7, off = false, ratio = 0.25, when = 2001-01-01 00:01:40.
+// Written by another property-list implementation: blob = <0001feff>, count = 42, empty = {}, flag = true,
+// list = (a, 1, ()), name = "café <&>", neg = -7, off = false, ratio = 0.25, when = 2001-01-01 00:01:40.
 const Bytes binarySample = {
-    0x62, 0x70, 0x6c, 0x69, 0x73, 0x74, 0x30, 0x30, 0xda, 0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07,
-    0x08, 0x09, 0x0a, 0x0b, 0x0c, 0x0d, 0x0e, 0x0f, 0x13, 0x14, 0x15, 0x16, 0x17, 0x54, 0x62, 0x6c,
-    0x6f, 0x62, 0x55, 0x63, 0x6f, 0x75, 0x6e, 0x74, 0x55, 0x65, 0x6d, 0x70, 0x74, 0x79, 0x54, 0x66,
-    0x6c, 0x61, 0x67, 0x54, 0x6c, 0x69, 0x73, 0x74, 0x54, 0x6e, 0x61, 0x6d, 0x65, 0x53, 0x6e, 0x65,
-    0x67, 0x53, 0x6f, 0x66, 0x66, 0x55, 0x72, 0x61, 0x74, 0x69, 0x6f, 0x54, 0x77, 0x68, 0x65, 0x6e,
-    0x44, 0x00, 0x01, 0xfe, 0xff, 0x10, 0x2a, 0xd0, 0x09, 0xa3, 0x10, 0x11, 0x12, 0x51, 0x61, 0x10,
-    0x01, 0xa0, 0x68, 0x00, 0x63, 0x00, 0x61, 0x00, 0x66, 0x00, 0xe9, 0x00, 0x20, 0x00, 0x3c, 0x00,
-    0x26, 0x00, 0x3e, 0x13, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xf9, 0x08, 0x23, 0x3f, 0xd0,
-    0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x33, 0x40, 0x59, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x08,
-    0x1d, 0x22, 0x28, 0x2e, 0x33, 0x38, 0x3d, 0x41, 0x45, 0x4b, 0x50, 0x55, 0x57, 0x58, 0x59, 0x5d,
-    0x5f, 0x61, 0x62, 0x73, 0x7c, 0x7d, 0x86, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x01, 0x01, 0x00,
-    0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x18, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,
+    0x62, 0x70, 0x6c, 0x69, 0x73, 0x74, 0x30, 0x30, 0xda, 0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07, 0x08, 0x09, 0x0a, 0x0b, 0x0c, 0x0d, 0x0e, 0x0f,
+    0x13, 0x14, 0x15, 0x16, 0x17, 0x54, 0x62, 0x6c, 0x6f, 0x62, 0x55, 0x63, 0x6f, 0x75, 0x6e, 0x74, 0x55, 0x65, 0x6d, 0x70, 0x74, 0x79, 0x54, 0x66,
+    0x6c, 0x61, 0x67, 0x54, 0x6c, 0x69, 0x73, 0x74, 0x54, 0x6e, 0x61, 0x6d, 0x65, 0x53, 0x6e, 0x65, 0x67, 0x53, 0x6f, 0x66, 0x66, 0x55, 0x72, 0x61,
+    0x74, 0x69, 0x6f, 0x54, 0x77, 0x68, 0x65, 0x6e, 0x44, 0x00, 0x01, 0xfe, 0xff, 0x10, 0x2a, 0xd0, 0x09, 0xa3, 0x10, 0x11, 0x12, 0x51, 0x61, 0x10,
+    0x01, 0xa0, 0x68, 0x00, 0x63, 0x00, 0x61, 0x00, 0x66, 0x00, 0xe9, 0x00, 0x20, 0x00, 0x3c, 0x00, 0x26, 0x00, 0x3e, 0x13, 0xff, 0xff, 0xff, 0xff,
+    0xff, 0xff, 0xff, 0xf9, 0x08, 0x23, 0x3f, 0xd0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x33, 0x40, 0x59, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x08,
+    0x1d, 0x22, 0x28, 0x2e, 0x33, 0x38, 0x3d, 0x41, 0x45, 0x4b, 0x50, 0x55, 0x57, 0x58, 0x59, 0x5d, 0x5f, 0x61, 0x62, 0x73, 0x7c, 0x7d, 0x86, 0x00,
+    0x00, 0x00, 0x00, 0x00, 0x00, 0x01, 0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x18, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,
     0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x8f,
 };
 
-Bytes bytesOf(std::string_view text)
-{
-    return Bytes(text.begin(), text.end());
-}
+Bytes bytesOf(std::string_view text) { return Bytes(text.begin(), text.end()); }
 
 PropertyList parseOrFail(const Bytes& bytes)
 {
@@ -97,18 +88,7 @@ TEST(XmlPropertyList, EveryTypeRoundTrips)
     EXPECT_TRUE(std::isnan(parseOrFail(bytesOf(writeXmlPropertyList(PropertyList(std::nan(""))))).doubleValue()));
 }
 
-TEST(XmlPropertyList, WritesTheStandardXmlForm)
-{
-    const std::string xml = writeXmlPropertyList(PropertyList(Dictionary {
-        { "b", PropertyList(1.5) }, { "a", PropertyList("x<y") }, { "c", PropertyList(2) }, { "d", PropertyList(true) } }));
-    EXPECT_EQ(xml.rfind("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n", 0), 0u) << xml;
-    EXPECT_THAT(xml, testing::HasSubstr("<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\""));
-    EXPECT_THAT(xml, testing::HasSubstr("<plist version=\"1.0\">"));
-    EXPECT_THAT(xml, testing::HasSubstr("<key>a</key>\n\t<string>x&lt;y</string>\n\t<key>b</key>\n\t<real>1.5</real>"
-                                        "\n\t<key>c</key>\n\t<integer>2</integer>\n\t<key>d</key>\n\t<true/>"));
-}
-
-TEST(XmlPropertyList, ReadsHandWrittenXmlBinaryAndOpenStepText)
+TEST(XmlPropertyList, ReadsHandWrittenXmlAndBinary)
 {
     const Dictionary expected = {
         { "blob", PropertyList(Data { 0x00, 0x01, 0xfe, 0xff }) }, { "count", PropertyList(42) },
@@ -124,17 +104,7 @@ TEST(XmlPropertyList, ReadsHandWrittenXmlBinaryAndOpenStepText)
                                       "<key>neg</key><integer>-7</integer><key>off</key><false/><key>ratio</key><real>0.25</real>"
                                       "<key>when</key><date>2001-01-01T00:01:40Z</date></dict>")),
         PropertyList(expected));
-    EXPECT_EQ(parseOrFail(bytesOf("{ a = (b, \"c d\"); e = <0fbd>; }")),
-        PropertyList(Dictionary { { "a", PropertyList(Array { PropertyList("b"), PropertyList("c d") }) },
-            { "e", PropertyList(Data { 0x0f, 0xbd }) } }));
     EXPECT_EQ(parseOrFail(xmlDocument("<string>just text</string>")), PropertyList("just text"));
-}
-
-TEST(XmlPropertyList, EmptyContainerTagsDoNotNest)
-{
-    const PropertyList value = parseOrFail(xmlDocument("<array>" + repeated("<array/><dict/>", 1000) + "</array>"));
-    ASSERT_TRUE(value.array());
-    EXPECT_EQ(value.array()->size(), 2000u);
 }
 
 TEST(XmlPropertyList, DamagedInputIsRefusedWithItsReason)
@@ -166,8 +136,7 @@ TEST(XmlPropertyList, DamagedInputIsRefusedWithItsReason)
     }
 }
 
-/// Assembles a binary property list from encoded objects, the root at index root. The
-/// objects' references must have referenceSize bytes.
+/// Assembles a binary property list from encoded objects whose references have referenceSize bytes.
 Bytes bplist(const std::vector<Bytes>& objects, std::uint64_t root = 0, unsigned offsetSize = 1, unsigned referenceSize = 1)
 {
     Bytes out = bytesOf("bplist00");
@@ -194,33 +163,6 @@ Bytes ascii(std::string_view text)
     Bytes object { static_cast<std::uint8_t>(0x50 | text.size()) };
     object.insert(object.end(), text.begin(), text.end());
     return object;
-}
-
-TEST(BinaryPropertyList, ReadsEveryMarker)
-{
-    Bytes longString { 0x5f, 0x10, 20 };
-    longString.insert(longString.end(), 20, 'x');
-    const std::vector<std::pair<Bytes, PropertyList>> rows = {
-        { bplist({ { 0x10, 0xff } }), PropertyList(255) }, { bplist({ { 0x11, 0xff, 0xfe } }), PropertyList(65534) },
-        { bplist({ { 0x12, 0xff, 0xff, 0xff, 0xff } }), PropertyList(std::int64_t { 0xffffffff }) },
-        { bplist({ { 0x13, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xfe } }), PropertyList(-2) },
-        { bplist({ { 0x14, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x01, 0x00 } }), PropertyList(256) },
-        { bplist({ { 0x22, 0x3f, 0xc0, 0x00, 0x00 } }), PropertyList(1.5) }, { bplist({ { 0x81, 0x01, 0x02 } }), PropertyList(258) },
-        // Bytes past ASCII read as Latin-1; a NUL is kept; a lone surrogate becomes U+FFFD.
-        { bplist({ { 0x53, 'a', 0xe9, 0x00 } }), PropertyList(std::string("a\xC3\xA9\0", 4)) },
-        { bplist({ { 0x63, 0x00, 0x41, 0xd8, 0x3d, 0xde, 0x00 } }), PropertyList("A\xF0\x9F\x98\x80") },
-        { bplist({ { 0x62, 0xdc, 0x00, 0x00, 0x42 } }), PropertyList("\xEF\xBF\xBD" "B") },
-        { bplist({ longString }), PropertyList(std::string(20, 'x')) },
-        { bplist({ { 0x4f, 0x10, 0x02, 0xab, 0xcd } }), PropertyList(Data { 0xab, 0xcd }) },
-        { bplist({ { 0xd2, 1, 2, 3, 4 }, ascii("k"), ascii("a"), { 0x09 }, { 0xa2, 5, 6 }, { 0x08 }, { 0xc1, 1 } }),
-            PropertyList(Dictionary { { "a", PropertyList(Array { PropertyList(false), PropertyList(Array { PropertyList("k") }) }) },
-                { "k", PropertyList(true) } }) },
-        { bplist({ { 0xd0 } }, 0, 2), PropertyList(Dictionary {}) },
-        // A shared leaf is copied into each place.
-        { bplist({ { 0xa3, 1, 1, 1 }, ascii("zero") }), PropertyList(Array(3, PropertyList("zero"))) },
-    };
-    for (const auto& [bytes, expected] : rows)
-        EXPECT_EQ(parseOrFail(bytes), expected);
 }
 
 TEST(BinaryPropertyList, DamagedStructureIsRefusedWithItsReason)
@@ -256,50 +198,31 @@ TEST(BinaryPropertyList, DamagedStructureIsRefusedWithItsReason)
         EXPECT_EQ(parseError(rows[i].first), rows[i].second) << "row " << i;
 }
 
-/// A scratch directory of each test's own under the build tree (tests run in parallel
-/// processes), removed afterwards.
-class XmlPropertyListFile : public testing::Test {
-protected:
-    void SetUp() override
-    {
-        m_dir = fs::path(PLYRA_BINARY_DIR) / "test-output"
-            / (std::string("xml_plist-") + testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(m_dir);
-        fs::create_directories(m_dir);
-    }
-    void TearDown() override { fs::remove_all(m_dir); }
-    std::string path(const std::string& name) const { return (m_dir / name).string(); }
-
-    fs::path m_dir;
-};
-
-TEST_F(XmlPropertyListFile, ReplacesAnExistingFileReadablyAndLeavesNoScratch)
+TEST(XmlPropertyListFile, ReplacesAnExistingFileReadablyOrNamesTheFileAndReason)
 {
+    const fs::path dir = fs::path(PLYRA_BINARY_DIR) / "test-output" / "xml_plist-file"; // tests run in parallel processes
+    fs::remove_all(dir);
+    fs::create_directories(dir);
+    const auto path = [&dir](const char* name) { return (dir / name).string(); };
     const PropertyList value(Dictionary { { "firstImagePath", PropertyList("Image_0.tiff") }, { "frameHeight", PropertyList(480.0) } });
     std::string error;
     ASSERT_TRUE(writeXmlPropertyListFile(PropertyList("old"), path("info.plist"), &error)) << error;
     ASSERT_TRUE(writeXmlPropertyListFile(value, path("info.plist"), &error)) << error;
     EXPECT_EQ(readPropertyListFile(path("info.plist"), &error), value) << error;
     EXPECT_EQ(fs::status(path("info.plist")).permissions() & fs::perms::others_read, fs::perms::others_read);
-    EXPECT_EQ(std::distance(fs::directory_iterator(m_dir), fs::directory_iterator()), 1);
-}
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator()), 1);
 
-TEST_F(XmlPropertyListFile, FileErrorsNameTheFileAndTheReason)
-{
-    std::string error;
+    // Failures name the file and the reason.
     EXPECT_FALSE(writeXmlPropertyListFile(PropertyList("x"), path("no/such/folder/info.plist"), &error));
-    EXPECT_THAT(error, testing::StartsWith("cannot write " + path("no/such/folder/info.plist") + ": "));
+    EXPECT_EQ(error.rfind("cannot write " + path("no/such/folder/info.plist") + ": ", 0), 0u) << error;
     EXPECT_FALSE(readPropertyListFile(path("absent.plist"), &error));
     EXPECT_EQ(error, "cannot open " + path("absent.plist") + ": No such file or directory");
     std::ofstream(path("empty.plist")).close();
     EXPECT_FALSE(readPropertyListFile(path("empty.plist"), &error));
     EXPECT_EQ(error, path("empty.plist") + ": the property list is empty");
-    const Bytes damaged = xmlDocument("<dict><key>a</key>");
-    std::ofstream(path("bad.plist"), std::ios::binary) << std::string(damaged.begin(), damaged.end());
-    EXPECT_FALSE(readPropertyListFile(path("bad.plist"), &error));
-    EXPECT_EQ(error, path("bad.plist") + ": the XML property list is damaged or incomplete");
-    EXPECT_FALSE(readPropertyListFile(m_dir.string(), &error));
-    EXPECT_THAT(error, testing::HasSubstr(m_dir.string()));
+    EXPECT_FALSE(readPropertyListFile(dir.string(), &error));
+    EXPECT_NE(error.find(dir.string()), std::string::npos) << error;
+    fs::remove_all(dir);
 }
 
 } // namespace

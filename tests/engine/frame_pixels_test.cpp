@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Whole frames, from lines to pixels: the morpher computes the warp field, the job's
-// output image samples the pictures through it and the conversion renders the bytes.
+// Whole frames, from lines to pixels: morpher, warp field, sampling and conversion together.
 
 #include "engine/image_conversion.h"
 #include "engine/morph_calculation_job.h"
@@ -22,11 +21,9 @@ using test::makeLine;
 using test::staticLine;
 using test::withDissolve;
 
-// 64 × 48 at spacing 3: 23 × 17 nodes, rows exactly 3 pixels apart, so the last image's
-// whole-pixel rows fall on the node rows and a field without motion samples every pixel
-// at its own centre.
-constexpr int kWidth = 64;
-constexpr int kHeight = 48;
+// 64 × 48 at spacing 3: node rows exactly 3 pixels apart fall on the last image's whole
+// rows, so a field without motion samples every pixel at its own centre.
+constexpr int kWidth = 64, kHeight = 48;
 constexpr float kSpacing = 3.0f;
 
 using Pixel = std::array<std::uint8_t, 4>;
@@ -42,19 +39,13 @@ Bitmap texture(int seed)
     return bitmap;
 }
 
-/// Three horizontal lines that move by (dx, dy) in unit coordinates from the first image
-/// to the last, so every point of the frame moves by exactly that.
+/// Three horizontal lines moving by (dx, dy) in unit coordinates: so does every point.
 std::vector<MorphLine::Ptr> translatingLines(float dx, float dy)
 {
     std::vector<MorphLine::Ptr> lines;
     for (const float y : {0.2f, 0.5f, 0.8f})
         lines.push_back(makeLine({0.2f, y}, {0.7f, y}, {0.2f + dx, y + dy}, {0.7f + dx, y + dy}));
     return lines;
-}
-
-std::vector<MorphLine::Ptr> stillLines()
-{
-    return translatingLines(0.0f, 0.0f);
 }
 
 /// Renders the frame at time t on the calling thread.
@@ -70,23 +61,16 @@ Bitmap frame(const Image& first, const Image& last, const std::vector<MorphLine:
     return bitmap.value_or(Bitmap());
 }
 
-/// Counts the pixels of the block [x0, x1) × [y0, y1) whose channels differ from the
-/// expected ones by more than 1, reporting the first three.
+/// Counts the channels in [x0, x1) × [y0, y1) that are off by more than 1, reporting three.
 template <typename Expected>
 int mismatches(const Bitmap& actual, int x0, int y0, int x1, int y1, Expected expected)
 {
     int bad = 0;
     for (int y = y0; y < y1; ++y)
-        for (int x = x0; x < x1; ++x) {
-            const Pixel a = actual.pixel(x, y), e = expected(x, y);
+        for (int x = x0; x < x1; ++x)
             for (int c = 0; c < 4; ++c)
-                if (std::abs(int(a[c]) - int(e[c])) > 1) {
-                    if (bad++ < 3)
-                        ADD_FAILURE() << "pixel (" << x << ", " << y << ") channel " << c << " is " << int(a[c])
-                                      << ", expected " << int(e[c]);
-                    break;
-                }
-        }
+                if (const int a = actual.pixel(x, y)[c], e = expected(x, y)[c]; std::abs(a - e) > 1 && bad++ < 3)
+                    ADD_FAILURE() << "pixel " << x << "," << y << " channel " << c << ": " << a << ", not " << e;
     return bad;
 }
 
@@ -100,24 +84,19 @@ TEST(FramePixels, StillLinesGiveTheFirstImageAtTime0AndTheLastAtTime1OrAlone)
 {
     const Bitmap firstPixels = texture(1), lastPixels = texture(2);
     const Image first = Image::fromBitmap(firstPixels), last = Image::fromBitmap(lastPixels);
-    const struct {
-        Image first;
-        float t;
-        const Bitmap& expected;
-    } cases[] = {{first, 0.0f, firstPixels}, {first, 1.0f, lastPixels}, {Image(), 0.5f, lastPixels}};
+    const struct { Image first; float t; const Bitmap& expected; } cases[] = {
+        {first, 0.0f, firstPixels}, {first, 1.0f, lastPixels}, {Image(), 0.5f, lastPixels}};
     for (const auto& c : cases) {
-        const Bitmap result = frame(c.first, last, stillLines(), c.t);
-        ASSERT_EQ(result.width(), kWidth);
-        ASSERT_EQ(result.height(), kHeight);
+        const Bitmap result = frame(c.first, last, translatingLines(0.0f, 0.0f), c.t);
+        ASSERT_EQ(std::pair(result.width(), result.height()), std::pair(kWidth, kHeight));
         EXPECT_EQ(mismatches(result, 0, 0, kWidth, kHeight, shifted(c.expected)), 0) << c.t;
     }
 }
 
-TEST(FramePixels, TranslatingLinesShiftTheFirstImage)
+TEST(FramePixels, TranslatingLinesShiftTheFirstImageAndTheLastAlsoWhenItIsAlone)
 {
-    // At time 1 the lines stand 8 pixels right of and 6 above their place on the first
-    // image; with the dissolve held back until the very end, the frame shows the first
-    // image moved by that much.
+    // At time 1 the lines stand 8 pixels right and 6 above their start; with the dissolve
+    // held back to the very end, the frame shows the first image moved by that much.
     const Bitmap firstPixels = texture(3);
     std::vector<MorphLine::Ptr> lines = translatingLines(8.0f / kWidth, 6.0f / kHeight);
     for (auto& line : lines)
@@ -126,20 +105,14 @@ TEST(FramePixels, TranslatingLinesShiftTheFirstImage)
     EXPECT_EQ(mismatches(result, 8, 6, kWidth, kHeight, shifted(firstPixels, -8, -6)), 0);
     // Beyond the picture's edge the edge pixels repeat.
     EXPECT_EQ(mismatches(result, 0, 6, 8, kHeight, [&](int, int y) { return firstPixels.pixel(0, y - 6); }), 0);
-}
-
-TEST(FramePixels, TranslatingLinesShiftTheLastImageAlsoWhenItIsAlone)
-{
-    // At time 0 the last image is sampled 8 pixels right and 6.4 above each pixel; its
-    // rows are taken whole, so 6.4 reads row + 6. Alone, the last image shows even where
-    // the dissolve has not begun.
+    // At time 0 the last image is read 8 right, 6.4 (whole rows: 6) above; alone, even undissolved.
     const Bitmap lastPixels = texture(5);
-    std::vector<MorphLine::Ptr> lines = translatingLines(8.0f / kWidth, 6.4f / kHeight);
+    lines = translatingLines(8.0f / kWidth, 6.4f / kHeight);
     for (const Image& first : {Image::fromBitmap(texture(6)), Image()}) {
         for (auto& line : lines)
             withDissolve(line, 0.0f, first.isNull() ? 1.0f : 0.0f);
-        const Bitmap result = frame(first, Image::fromBitmap(lastPixels), lines, 0.0f);
-        EXPECT_EQ(mismatches(result, 0, 0, kWidth - 8, kHeight - 7, shifted(lastPixels, 8, 6)), 0) << first.isNull();
+        const Bitmap moved = frame(first, Image::fromBitmap(lastPixels), lines, 0.0f);
+        EXPECT_EQ(mismatches(moved, 0, 0, kWidth - 8, kHeight - 7, shifted(lastPixels, 8, 6)), 0) << first.isNull();
     }
 }
 
@@ -149,12 +122,10 @@ TEST(FramePixels, TheDissolveFactorBlendsTheTwoImages)
     firstPixels.fill({200, 100, 40, 255});
     lastPixels.fill({0, 100, 240, 255});
     const Image first = Image::fromBitmap(firstPixels), last = Image::fromBitmap(lastPixels);
-    const Bitmap quarter = frame(first, last, stillLines(), 0.25f);
+    const Bitmap quarter = frame(first, last, translatingLines(0.0f, 0.0f), 0.25f);
     EXPECT_EQ(mismatches(quarter, 0, 0, kWidth, kHeight, [](int, int) { return Pixel{150, 100, 90, 255}; }), 0);
-
-    // Lines may dissolve at different times: at t = 0.5 the picture around a line that
-    // dissolved in the first half already shows the last image, around one that
-    // dissolves in the second half still the first.
+    // At t = 0.5, around a line dissolved in the first half the last image shows already;
+    // around one dissolving in the second half, still the first.
     const auto early = withDissolve(staticLine({0.05f, 0.1f}, {0.05f, 0.9f}), 0.0f, 0.5f);
     const auto late = withDissolve(staticLine({0.95f, 0.1f}, {0.95f, 0.9f}), 0.5f, 1.0f);
     const Bitmap half = frame(first, last, {early, late}, 0.5f);
@@ -169,34 +140,30 @@ TEST(FramePixels, WorkersComputeFramesTheMainThreadOnlyPolls)
 {
     const Bitmap firstPixels = texture(8), lastPixels = texture(9);
     const Morpher::Ptr morpher =
-        Morpher::create(Image::fromBitmap(firstPixels), Image::fromBitmap(lastPixels), stillLines());
+        Morpher::create(Image::fromBitmap(firstPixels), Image::fromBitmap(lastPixels), translatingLines(0.0f, 0.0f));
     std::vector<MorphCalculationJob::Ptr> jobs;
     for (const float t : {0.0f, 0.5f, 1.0f})
         jobs.push_back(MorphCalculationJob::create(t, {float(kWidth), float(kHeight)}, kSpacing));
     morpher->runMorphCalculationJobs(jobs);
     std::vector<std::optional<Bitmap>> frames(jobs.size());
-    for (std::size_t done = 0; done < jobs.size();) {
+    for (std::size_t done = 0; done < jobs.size(); std::this_thread::yield()) {
         done = 0;
         for (std::size_t k = 0; k < jobs.size(); ++k) {
             if (!frames[k] && jobs[k]->isDone())
                 frames[k] = bitmapFromImage(jobs[k]->outputImage());
             done += frames[k] ? 1 : 0;
         }
-        std::this_thread::yield();
     }
     morpher->clearJobQueue();
     EXPECT_EQ(mismatches(*frames[0], 0, 0, kWidth, kHeight, shifted(firstPixels)), 0);
     EXPECT_EQ(mismatches(*frames[2], 0, 0, kWidth, kHeight, shifted(lastPixels)), 0);
     // Halfway, each pixel lies between the two pictures' values.
-    EXPECT_EQ(mismatches(*frames[1], 0, 0, kWidth, kHeight,
-                         [&](int x, int y) {
-                             const Pixel a = firstPixels.pixel(x, y), b = lastPixels.pixel(x, y);
-                             Pixel mean{0, 0, 0, 255};
-                             for (int c = 0; c < 3; ++c)
-                                 mean[c] = std::uint8_t((a[c] + b[c] + 1) / 2);
-                             return mean;
-                         }),
-              0);
+    const auto mean = [&](int x, int y) {
+        const Pixel a = firstPixels.pixel(x, y), b = lastPixels.pixel(x, y);
+        return Pixel{std::uint8_t((a[0] + b[0] + 1) / 2), std::uint8_t((a[1] + b[1] + 1) / 2),
+                     std::uint8_t((a[2] + b[2] + 1) / 2), 255};
+    };
+    EXPECT_EQ(mismatches(*frames[1], 0, 0, kWidth, kHeight, mean), 0);
 }
 
 } // namespace

@@ -17,37 +17,16 @@ using Clock = std::chrono::steady_clock;
 using test::makeLine;
 using test::staticLine;
 
-unsigned expectedWorkers()
-{
-    const unsigned n = std::thread::hardware_concurrency();
-    return n >= 1 ? n : 2;
-}
+unsigned expectedWorkers() { const unsigned n = std::thread::hardware_concurrency(); return n >= 1 ? n : 2; }
 
-/// Waits until the morpher is gone, that is until its last worker has left; answers how
-/// long that took.
-Clock::duration waitUntilGone(const std::weak_ptr<Morpher>& morpher, Clock::duration limit = 5s)
+/// Polls `done` every millisecond for at most 5 s; answers how long it waited.
+template <typename Done>
+Clock::duration waitUntil(Done done)
 {
     const auto start = Clock::now();
-    while (!morpher.expired() && Clock::now() - start < limit)
-        std::this_thread::sleep_for(5ms);
-    return Clock::now() - start;
-}
-
-bool waitForCondition(const Morpher& morpher, int condition, Clock::duration limit = 5s)
-{
-    const auto start = Clock::now();
-    while (morpher.condition() != condition && Clock::now() - start < limit)
+    while (!done() && Clock::now() - start < 5s)
         std::this_thread::sleep_for(1ms);
-    return morpher.condition() == condition;
-}
-
-/// Jobs that keep a worker busy for a while: a fine grid over a large frame.
-std::vector<MorphCalculationJob::Ptr> slowJobs(std::size_t n)
-{
-    std::vector<MorphCalculationJob::Ptr> jobs;
-    for (std::size_t i = 0; i < n; ++i)
-        jobs.push_back(MorphCalculationJob::create(0.5f, {1920.0f, 1080.0f}, 3.0f));
-    return jobs;
+    return Clock::now() - start;
 }
 
 std::vector<MorphLine::Ptr> someLines(int n)
@@ -124,7 +103,7 @@ TEST(MorpherTransform, DirectTransformCarriesTheLineFromT1ToT2)
               (AffineTransform{1.0f, 0.0f, 0.0f, 1.0f, 0.6f - 0.5f, 0.7f - 0.5f}));
 }
 
-TEST(MorpherQueue, WorkersStartWithTheFirstJobListWaitIdleAndLeaveAfterClearing)
+TEST(MorpherQueue, WorkersStartWithAJobListWaitIdleAndLeaveAfterClearing)
 {
     std::weak_ptr<Morpher> weak;
     {
@@ -136,24 +115,36 @@ TEST(MorpherQueue, WorkersStartWithTheFirstJobListWaitIdleAndLeaveAfterClearing)
         EXPECT_EQ(morpher->startedWorkerCount(), expectedWorkers());
         const int now = morpher->condition();
         EXPECT_TRUE(now == Morpher::MorpherConditionJobsQueued || now == Morpher::MorpherConditionQueueEmpty) << now;
-        EXPECT_TRUE(waitForCondition(*morpher, Morpher::MorpherConditionQueueEmpty));
+        waitUntil([&] { return morpher->condition() == Morpher::MorpherConditionQueueEmpty; });
+        EXPECT_EQ(morpher->condition(), Morpher::MorpherConditionQueueEmpty);
         morpher->clearJobQueue();
         EXPECT_EQ(morpher->condition(), Morpher::MorpherConditionStop);
+        // A stopped morpher starts new workers for new jobs.
+        const auto job = MorphCalculationJob::create(0.2f, {32.0f, 32.0f}, 4.0f);
+        morpher->runMorphCalculationJobs({job});
+        EXPECT_EQ(morpher->startedWorkerCount(), 2 * expectedWorkers());
+        job->waitUntilDone();
+        morpher->clearJobQueue();
     }
     // Every worker leaves within about a second of its last wait, and with the last one
     // the morpher goes.
-    EXPECT_LT(waitUntilGone(weak), 2500ms);
+    EXPECT_LT(waitUntil([&] { return weak.expired(); }), 2500ms);
     EXPECT_TRUE(weak.expired());
 }
 
-TEST(MorpherQueue, ComputesEveryJobAndThenWaitsIdle)
+TEST(MorpherQueue, ComputesEveryJobWithTheTrackImagesAndThenWaitsIdle)
 {
-    const Morpher::Ptr morpher = Morpher::create(Image(), Image(), someLines(4));
+    const Image first = Image::fromBitmap(Bitmap(4, 4));
+    const Morpher::Ptr morpher = Morpher::create(first, Image(), someLines(4));
     std::vector<MorphCalculationJob::Ptr> jobs;
     for (int i = 0; i < 7; ++i)
         jobs.push_back(MorphCalculationJob::create(static_cast<float>(i) / 6.0f, {64.0f, 48.0f}, 6.0f));
-    morpher->runMorphCalculationJobs(jobs);
+    auto withNull = jobs;
+    withNull.push_back(nullptr); // skipped
+    morpher->runMorphCalculationJobs(withNull);
     for (const auto& job : jobs) {
+        EXPECT_TRUE(job->track0Image() == first); // the morpher's track images
+        EXPECT_TRUE(job->track1Image().isNull());
         job->waitUntilDone();
         EXPECT_TRUE(job->isDone());
         EXPECT_EQ(job->progress(), 1.0f);
@@ -163,7 +154,8 @@ TEST(MorpherQueue, ComputesEveryJobAndThenWaitsIdle)
         EXPECT_EQ(job->coords(), direct.coords);
         EXPECT_EQ(job->maxDisplacement0(), direct.job->maxDisplacement0());
     }
-    EXPECT_TRUE(waitForCondition(*morpher, Morpher::MorpherConditionQueueEmpty));
+    waitUntil([&] { return morpher->condition() == Morpher::MorpherConditionQueueEmpty; });
+    EXPECT_EQ(morpher->condition(), Morpher::MorpherConditionQueueEmpty);
     EXPECT_TRUE(morpher->morphJobs().empty());
 
     // More jobs wake the idle workers.
@@ -177,7 +169,9 @@ TEST(MorpherQueue, ComputesEveryJobAndThenWaitsIdle)
 TEST(MorpherQueue, ClearingAbortsQueuedJobsWhileRunningJobsComplete)
 {
     std::weak_ptr<Morpher> weak;
-    std::vector<MorphCalculationJob::Ptr> jobs = slowJobs(expectedWorkers() + 3);
+    std::vector<MorphCalculationJob::Ptr> jobs; // each keeps a worker busy for a while
+    for (std::size_t i = 0; i < expectedWorkers() + 3; ++i)
+        jobs.push_back(MorphCalculationJob::create(0.5f, {1920.0f, 1080.0f}, 3.0f));
     std::vector<MorphCalculationJob::Ptr> snapshot;
     {
         const Morpher::Ptr morpher = Morpher::create(Image(), Image(), someLines(30));
@@ -200,7 +194,7 @@ TEST(MorpherQueue, ClearingAbortsQueuedJobsWhileRunningJobsComplete)
         if (!job->abort())
             job->waitUntilDone(); // a job being computed runs to its end
     }
-    EXPECT_LT(waitUntilGone(weak), 2500ms);
+    EXPECT_LT(waitUntil([&] { return weak.expired(); }), 2500ms);
     for (const auto& job : jobs) {
         EXPECT_NE(job->isDone(), job->abort());
         if (job->abort()) {
@@ -208,55 +202,6 @@ TEST(MorpherQueue, ClearingAbortsQueuedJobsWhileRunningJobsComplete)
             EXPECT_TRUE(job->coords().empty());
         }
     }
-}
-
-TEST(MorpherQueue, JobsGetTheMorphersTrackImages)
-{
-    Bitmap pixels(4, 4);
-    const Image first = Image::fromBitmap(pixels);
-    const Morpher::Ptr morpher = Morpher::create(first, Image(), {});
-    const auto job = MorphCalculationJob::create(0.0f, {4.0f, 4.0f}, 2.0f);
-    morpher->runMorphCalculationJobs({job, nullptr});
-    EXPECT_TRUE(job->track0Image() == first);
-    EXPECT_TRUE(job->track1Image().isNull());
-    job->waitUntilDone();
-    morpher->clearJobQueue();
-}
-
-TEST(MorpherQueue, AStoppedMorpherStartsNewWorkersForNewJobs)
-{
-    std::weak_ptr<Morpher> weak;
-    {
-        const Morpher::Ptr morpher = Morpher::create(Image(), Image(), someLines(2));
-        weak = morpher;
-        morpher->runMorphCalculationJobs({MorphCalculationJob::create(0.1f, {32.0f, 32.0f}, 4.0f)});
-        morpher->clearJobQueue();
-        const auto job = MorphCalculationJob::create(0.2f, {32.0f, 32.0f}, 4.0f);
-        morpher->runMorphCalculationJobs({job});
-        EXPECT_EQ(morpher->startedWorkerCount(), 2 * expectedWorkers());
-        job->waitUntilDone();
-        morpher->clearJobQueue();
-    }
-    EXPECT_LT(waitUntilGone(weak), 2500ms);
-}
-
-TEST(MorpherQueue, ManyShortLivedMorphersAllWindDown)
-{
-    // What a burst of edits does: each recalculation drops the previous morpher.
-    std::vector<std::weak_ptr<Morpher>> gone;
-    std::vector<MorphCalculationJob::Ptr> jobs;
-    for (int m = 0; m < 5; ++m) {
-        const Morpher::Ptr morpher = Morpher::create(Image(), Image(), someLines(3));
-        gone.push_back(morpher);
-        for (int i = 0; i < 3; ++i)
-            jobs.push_back(MorphCalculationJob::create(0.25f * static_cast<float>(i), {48.0f, 32.0f}, 4.0f));
-        morpher->runMorphCalculationJobs({jobs.end() - 3, jobs.end()});
-        morpher->clearJobQueue();
-    }
-    for (const auto& weak : gone)
-        EXPECT_LT(waitUntilGone(weak), 2500ms);
-    for (const auto& job : jobs)
-        EXPECT_NE(job->isDone(), job->abort());
 }
 
 } // namespace

@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(
   build-essential cmake ninja-build pkg-config git
   qt6-base-dev qt6-base-dev-tools qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools
-  qt6-image-formats-plugins libqt6svg6 qt6-qpa-plugins
+  qt6-image-formats-plugins libqt6svg6 qt6-svg-dev qt6-qpa-plugins qt6-translations-l10n
   libgl-dev libxkbcommon-dev
   libavformat-dev libavcodec-dev libavutil-dev libswscale-dev ffmpeg
   libtiff-dev libplist-dev libpoppler-qt6-dev
@@ -14,7 +14,9 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   clang libclang-rt-14-dev
   libopencv-dev
-  xvfb xauth
+  ccache
+  xvfb xauth x11-apps xdotool at-spi2-core python3-pyatspi fonts-dejavu-core
+  desktop-file-utils appstream
 )
 
 missing=()

@@ -63,7 +63,7 @@ void MorphDocument::insertObjectInMorphLinesAtIndex(const MorphLine::Ptr& line, 
     joinToCoincidingLine(line);
     m_morphLines.insert(m_morphLines.begin() + static_cast<std::ptrdiff_t>(index), line);
     // The name replaces "Connect line" from the join: both are one step.
-    registerUndo([this, line] { deleteMorphLine(line); }, QT_TRANSLATE_NOOP("MorphDocument", "New Line"));
+    registerUndo([this, line] { deleteMorphLine(line); }, QT_TRANSLATE_NOOP("UndoAction", "New Line"));
     postObjectsUpdated();
 }
 
@@ -107,7 +107,7 @@ void MorphDocument::removeObjectFromMorphLinesAtIndex(std::size_t index)
     line->disconnectLineAtEnd(&m_undoManager);
     m_morphLines.erase(m_morphLines.begin() + static_cast<std::ptrdiff_t>(index));
     registerUndo([this, line, index] { insertObjectInMorphLinesAtIndex(line, index); },
-        QT_TRANSLATE_NOOP("MorphDocument", "Delete Line"));
+        QT_TRANSLATE_NOOP("UndoAction", "Delete Line"));
     postObjectsUpdated();
     deselectLine(line);
 }
@@ -149,6 +149,14 @@ void MorphDocument::removeObjectFromSelectedLinesAtIndex(std::size_t index)
     postSelectionUpdated();
 }
 
+void MorphDocument::setSelectedLines(const std::vector<MorphLine::Ptr>& lines)
+{
+    while (!m_selectedLines.empty())
+        removeObjectFromSelectedLinesAtIndex(m_selectedLines.size() - 1);
+    for (const MorphLine::Ptr& line : lines)
+        insertObjectInSelectedLinesAtIndex(line, m_selectedLines.size());
+}
+
 void MorphDocument::deselectLine(const MorphLine::Ptr& line)
 {
     const auto it = std::find(m_selectedLines.begin(), m_selectedLines.end(), line);
@@ -158,11 +166,28 @@ void MorphDocument::deselectLine(const MorphLine::Ptr& line)
 
 // ---- images --------------------------------------------------------------------------
 
+bool MorphDocument::setImageFromFile(const QString& path, unsigned track, QString* error)
+{
+    std::optional<DisplayImage> loaded = DisplayImage::load(path, error);
+    if (!loaded)
+        return false;
+    setImageFromURL(path, track, std::move(loaded));
+    return true;
+}
+
 void MorphDocument::setImageFromURL(const QString& path, unsigned track)
+{
+    setImageFromURL(path, track, std::nullopt);
+}
+
+void MorphDocument::setImageFromURL(const QString& path, unsigned track, std::optional<DisplayImage> preloaded)
 {
     TrackImage& image = trackFor(track);
     const QString oldPath = image.location();
-    image.setLocation(path);
+    if (preloaded)
+        image.setLocation(path, std::move(*preloaded));
+    else
+        image.setLocation(path);
     const std::optional<DisplayImage> loaded = image.displayImage();
     if (loaded && loaded->size().height() > 0.0)
         image.setAspectRatio(static_cast<float>(loaded->size().width()) / static_cast<float>(loaded->size().height()));
@@ -170,7 +195,7 @@ void MorphDocument::setImageFromURL(const QString& path, unsigned track)
     if (frameSizeUnset && !path.isEmpty() && loaded)
         setFrameSize(loaded->size());
     registerUndo([this, oldPath, track] { setImageFromURL(oldPath, track); },
-        QT_TRANSLATE_NOOP("MorphDocument", "Set Image"));
+        QT_TRANSLATE_NOOP("UndoAction", "Set Image"));
     postObjectsUpdated();
 }
 
@@ -210,7 +235,7 @@ void MorphDocument::setLineColor(const LineColor::Ptr& color)
     if (color == m_lineColor)
         return;
     const LineColor::Ptr old = m_lineColor;
-    registerUndo([this, old] { setLineColor(old); }, QT_TRANSLATE_NOOP("MorphDocument", "Change colour"));
+    registerUndo([this, old] { setLineColor(old); }, QT_TRANSLATE_NOOP("UndoAction", "Change colour"));
     m_lineColor = color;
     // Only drawing depends on the colour, not rendered frames.
     postSelectionUpdated();
@@ -257,7 +282,7 @@ void MorphDocument::registerUndo(std::function<void()> action, const char* actio
 {
     m_undoManager.registerUndo(this, std::move(action));
     if (actionName)
-        m_undoManager.setActionName(QCoreApplication::translate("MorphDocument", actionName).toStdString());
+        m_undoManager.setActionName(actionName);
 }
 
 void MorphDocument::postObjectsUpdated()

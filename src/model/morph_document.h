@@ -3,6 +3,7 @@
 
 #include "model/display_image.h"
 #include "model/line_color.h"
+#include "model/morph_editor_data_source.h"
 #include "model/morph_line.h"
 #include "model/track_image.h"
 #include "platform/undo_manager.h"
@@ -29,41 +30,45 @@ inline constexpr const char* kSelectionUpdatedNotification = "selectionUpdated";
 /// coalesced per pass of the main run loop, with the document as object.
 /// Threads: main thread only. The frame engine gets rendering images and copies of the
 /// lines, never the document.
-class MorphDocument {
+class MorphDocument : public MorphEditorDataSource {
 public:
     MorphDocument();
-    ~MorphDocument();
+    ~MorphDocument() override;
     MorphDocument(const MorphDocument&) = delete;
     MorphDocument& operator=(const MorphDocument&) = delete;
 
-    UndoManager& undoManager() { return m_undoManager; }
+    UndoManager& undoManager() override { return m_undoManager; }
 
     // ---- lines and selection ----
-    const std::vector<MorphLine::Ptr>& morphLines() const { return m_morphLines; }
+    const std::vector<MorphLine::Ptr>& morphLines() const override { return m_morphLines; }
     /// Joins the line to the first line whose free end coincides with one of its ends
     /// (at both tracks), inserts it, and registers "New Line".
-    void insertObjectInMorphLinesAtIndex(const MorphLine::Ptr& line, std::size_t index);
+    void insertObjectInMorphLinesAtIndex(const MorphLine::Ptr& line, std::size_t index) override;
     void addMorphLine(const MorphLine::Ptr& line);
     /// Cuts the line out of its chain, removes it and deselects it; "Delete Line".
     /// Undoing brings back its index, its selection and its joins.
-    void removeObjectFromMorphLinesAtIndex(std::size_t index);
+    void removeObjectFromMorphLinesAtIndex(std::size_t index) override;
     /// Does nothing for a line that is not in the document.
     void deleteMorphLine(const MorphLine::Ptr& line);
 
-    const std::vector<MorphLine::Ptr>& selectedLines() const { return m_selectedLines; }
+    const std::vector<MorphLine::Ptr>& selectedLines() const override { return m_selectedLines; }
     bool isLineSelected(const MorphLine* line) const;
     /// Does nothing for a line that is already selected.
-    void insertObjectInSelectedLinesAtIndex(const MorphLine::Ptr& line, std::size_t index);
+    void insertObjectInSelectedLinesAtIndex(const MorphLine::Ptr& line, std::size_t index) override;
     /// Does nothing for an index not below the selection's count.
-    void removeObjectFromSelectedLinesAtIndex(std::size_t index);
+    void removeObjectFromSelectedLinesAtIndex(std::size_t index) override;
+    /// Removes the selected lines from the last to the first, then selects lines in order.
+    void setSelectedLines(const std::vector<MorphLine::Ptr>& lines) override;
 
     // ---- images (track 0 for 0, track 1 for any other value) ----
     /// Sets where the track's image is read from (empty for none); "Set Image". The
     /// first image that loads fixes an unset frame size.
     void setImageFromURL(const QString& path, unsigned track);
+    /// setImageFromURL() for a file that reads as an image; nothing changes otherwise.
+    bool setImageFromFile(const QString& path, unsigned track, QString* error) override;
     QString imageURLInTrack(unsigned track) const;
     /// Loaded on first request; nothing (and a log line) when the file gives no image.
-    std::optional<DisplayImage> imageInTrack(unsigned track) const;
+    std::optional<DisplayImage> imageInTrack(unsigned track) const override;
     /// The image the frame engine renders from (premultiplied RGBA bitmap, origin bottom
     /// left); a null Image (and a log line) when the file gives no image.
     Image ciimageInTrack(unsigned track) const;
@@ -73,7 +78,7 @@ public:
 
     // ---- settings ----
     /// The stored colour, or LineColor::defaultColor() when none is stored.
-    LineColor::Ptr lineColor() const;
+    LineColor::Ptr lineColor() const override;
     /// The document's own colour; null while it uses the default one.
     const LineColor::Ptr& storedLineColor() const { return m_lineColor; }
     /// Registers "Change colour" unless color is the very object already stored.
@@ -99,6 +104,7 @@ public:
     bool writeToFile(const QString& path, QString* error = nullptr) const;
 
 private:
+    void setImageFromURL(const QString& path, unsigned track, std::optional<DisplayImage> preloaded);
     TrackImage& trackFor(unsigned track) const { return m_tracks[track == 0 ? 0 : 1]; }
     void joinToCoincidingLine(const MorphLine::Ptr& line);
     void deselectLine(const MorphLine::Ptr& line);

@@ -16,6 +16,12 @@ void TrackImage::setLocation(const QString& path)
     m_render = Image();
 }
 
+void TrackImage::setLocation(const QString& path, DisplayImage loaded)
+{
+    setLocation(path);
+    m_display = std::move(loaded);
+}
+
 std::optional<DisplayImage> TrackImage::loadFile(Purpose purpose) const
 {
     if (m_location.isEmpty())

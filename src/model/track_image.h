@@ -21,6 +21,8 @@ public:
     const QString& location() const { return m_location; }
     /// Sets the file to read from (empty for none) and drops both images.
     void setLocation(const QString& path);
+    /// The same, keeping an image already read from that file.
+    void setLocation(const QString& path, DisplayImage loaded);
 
     /// Logs "Could not create Image from '<path>'" when the file gives no image.
     std::optional<DisplayImage> displayImage();

@@ -188,6 +188,18 @@ TEST_F(MorphDocumentChainTest, SelectionChangesAreUndoableWithoutAName)
     EXPECT_EQ(selection(), (Lines{c, a}));
 }
 
+TEST_F(MorphDocumentChainTest, ReplacingTheSelectionIsOneUndoableChange)
+{
+    document->setSelectedLines({c, b});
+    EXPECT_EQ(selection(), (Lines{c, b}));
+    endPass();
+    EXPECT_EQ(selectionUpdated, 1);
+    undo().undo();
+    EXPECT_EQ(selection(), (Lines{b, a}));
+    undo().redo();
+    EXPECT_EQ(selection(), (Lines{c, b}));
+}
+
 TEST_F(MorphDocumentTest, OnlyADistinctColourObjectIsAnUndoableChange)
 {
     const LineColor::Ptr red = LineColor::make(1, 0, 0, 1);
@@ -281,6 +293,31 @@ TEST_F(MorphDocumentTest, AnUnreadableImageLeavesTheTrackEmptyAndLogsEveryReques
     EXPECT_FALSE(DisplayImage::load(path("bad.pdf"), &reason));
     EXPECT_TRUE(reason.contains(QStringLiteral("PDF"))) << reason.toStdString();
 
+}
+
+TEST_F(MorphDocumentTest, AnImageFileIsTakenOnlyWhenItReads)
+{
+    const QString good = writePng("good.png", 40, 20);
+    resetCounts();
+    QString reason;
+    for (const QString& bad : {path("missing.png"), path("")}) {
+        LogCapture log;
+        EXPECT_FALSE(document->setImageFromFile(bad, 0, &reason));
+        EXPECT_FALSE(reason.isEmpty());
+        EXPECT_TRUE(document->imageURLInTrack(0).isEmpty());
+        EXPECT_FALSE(undo().canUndo());
+        endPass();
+        EXPECT_EQ(objectsUpdated, 0);
+    }
+    ASSERT_TRUE(document->setImageFromFile(good, 0, &reason));
+    EXPECT_EQ(document->imageInTrack(0)->size(), QSizeF(40, 20));
+    EXPECT_EQ(document->frameSize(), QSizeF(40, 20));
+    endPass();
+    EXPECT_EQ(objectsUpdated, 1);
+    EXPECT_EQ(undo().undoMenuItemTitle(), "Undo Set Image");
+    undo().undo();
+    EXPECT_TRUE(document->imageURLInTrack(0).isEmpty());
+    EXPECT_EQ(document->frameSize(), QSizeF(0, 0));
 }
 
 TEST_F(MorphDocumentTest, RenderingImageIsPremultipliedWithTheBottomRowFirst)

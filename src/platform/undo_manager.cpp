@@ -52,6 +52,7 @@ void UndoManager::setActionName(const std::string& name)
 void UndoManager::beginUndoGrouping()
 {
     m_openGroups.emplace_back();
+    m_openGroups.back().id = m_nextGroupId++;
 }
 
 void UndoManager::endUndoGrouping()
@@ -131,6 +132,7 @@ void UndoManager::runTopGroup(std::vector<Group>& from, State state)
     for (auto it = group.entries.rbegin(); it != group.entries.rend(); ++it)
         it->action();
     m_openGroups.back().name = group.name;
+    m_openGroups.back().id = group.id;
     endUndoGrouping();
     m_state = State::Normal;
     notifyChanged();
@@ -195,6 +197,15 @@ void UndoManager::removeAllActionsWithTarget(const void* target)
     strip(m_redoStack, true);
     strip(m_openGroups, false);
     notifyChanged();
+}
+
+std::vector<std::uint64_t> UndoManager::namedUndoStepIds() const
+{
+    std::vector<std::uint64_t> ids;
+    for (const Group& group : m_undoStack)
+        if (!group.name.empty())
+            ids.push_back(group.id);
+    return ids;
 }
 
 int UndoManager::undoStepCount() const

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -56,6 +57,11 @@ public:
     int undoStepCount() const;
     int redoStepCount() const;
 
+    /// Identifies the named steps on the undo stack, oldest first. A step keeps its
+    /// identity through undo and redo, so a document can tell whether it is back at the
+    /// state it last saved; steps without a name (selection changes) are not edits.
+    std::vector<std::uint64_t> namedUndoStepIds() const;
+
     /// Called after every change of the stacks (for menus that show the titles).
     void setChangeCallback(std::function<void()> callback) { m_changed = std::move(callback); }
 
@@ -67,6 +73,7 @@ private:
     struct Group {
         std::vector<Entry> entries;
         std::string name;
+        std::uint64_t id = 0;
     };
     enum class State { Normal, Undoing, Redoing };
 
@@ -84,6 +91,7 @@ private:
     bool m_autoGroupOpen = false;
     std::function<void()> m_changed;
     std::shared_ptr<bool> m_alive;
+    std::uint64_t m_nextGroupId = 1;
 };
 
 } // namespace plyra

@@ -153,6 +153,31 @@ TEST_F(UndoManagerTest, ExplicitGroupsNestIntoOneStep)
     EXPECT_EQ(c.value, 0);
 }
 
+TEST_F(UndoManagerTest, NamedStepsKeepTheirIdentityThroughUndoAndRedo)
+{
+    Counter c{&undo};
+    c.set(1, "Move Line");
+    RunLoop::main().endPass();
+    undo.registerUndo(&c, [] { }); // a selection change: no name, no edit
+    RunLoop::main().endPass();
+    c.set(2, "Move Line");
+    RunLoop::main().endPass();
+    const std::vector<std::uint64_t> saved = undo.namedUndoStepIds();
+    ASSERT_EQ(saved.size(), 2u);
+    EXPECT_NE(saved[0], saved[1]);
+
+    undo.undo();
+    EXPECT_EQ(undo.namedUndoStepIds(), std::vector<std::uint64_t>{saved[0]});
+    undo.redo();
+    EXPECT_EQ(undo.namedUndoStepIds(), saved);
+
+    undo.undo();
+    c.set(3, "Move Line"); // another edit in place of the undone one
+    RunLoop::main().endPass();
+    EXPECT_NE(undo.namedUndoStepIds(), saved);
+    EXPECT_EQ(undo.namedUndoStepIds().size(), 2u);
+}
+
 TEST(UndoManagerLifetime, ManagerDestroyedBeforeTheEndOfThePass)
 {
     {

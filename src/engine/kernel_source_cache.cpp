@@ -104,6 +104,14 @@ std::filesystem::path KernelSourceCache::directoryLocked() const
         return m_directory;
     if (const char* fromEnvironment = std::getenv("PLYRA_KERNEL_DIR"); fromEnvironment && *fromEnvironment)
         return fromEnvironment;
+    // An installed program finds its kernels beside it, in share/plyra/kernels.
+    std::error_code ignored;
+    const std::filesystem::path executable = std::filesystem::read_symlink("/proc/self/exe", ignored);
+    if (!executable.empty()) {
+        const std::filesystem::path installed = executable.parent_path().parent_path() / "share" / "plyra" / "kernels";
+        if (std::filesystem::is_directory(installed, ignored))
+            return installed;
+    }
 #ifdef PLYRA_KERNEL_DIR
     return PLYRA_KERNEL_DIR;
 #else

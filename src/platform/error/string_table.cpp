@@ -112,6 +112,9 @@ std::filesystem::path findErrorsFile()
         if (fs::is_regular_file(candidate, ignored))
             return candidate;
     }
+    const fs::path besideProgram = fs::read_symlink("/proc/self/exe", ignored).parent_path().parent_path() / "share" / "plyra" / "Errors.strings";
+    if (fs::is_regular_file(besideProgram, ignored))
+        return besideProgram;
     const fs::path installed = "/usr/share/plyra/Errors.strings";
     return fs::is_regular_file(installed, ignored) ? installed : fs::path();
 }

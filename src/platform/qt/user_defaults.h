@@ -36,6 +36,8 @@ public:
     void setInteger(const QString& key, qint64 value) { setObject(key, value); }
     void setBoolean(const QString& key, bool value) { setObject(key, value); }
     void remove(const QString& key);
+    /// Where the values are kept, for messages that tell the user where to change one.
+    QString fileName() const { return m_settings->fileName(); }
     void synchronize();
 
 private:

@@ -117,8 +117,12 @@ void MorphCalculationJob::makeCoordsImage()
     if (!values.empty())
         std::memcpy(values.data(), m_coords.data(), values.size() * sizeof(float));
     std::vector<float>().swap(m_coords);
+    std::vector<float> lastY;
+    if (m_exactLastY.size() == grid.nodeCount())
+        lastY.swap(m_exactLastY);
+    std::vector<float>().swap(m_exactLastY);
     m_coordsImage = Image::fromFloatData(std::move(values), bytesPerRow, static_cast<int>(grid.nx),
-                                         static_cast<int>(grid.ny));
+                                         static_cast<int>(grid.ny), std::move(lastY));
     if (m_coordsImage.isNull())
         logLine(formatString("MorphCalculationJob: no coordinates image for a %u by %u grid",
                              grid.nx, grid.ny));

@@ -55,7 +55,9 @@ public:
 
     /// The frame as a lazily evaluated image over (0, 0, W, H); null while not done or
     /// without any track image. The first call turns the warp field into the coordinates
-    /// image and frees the field; later calls make new filters over that same image.
+    /// image and frees the field; later calls make new filters over that same image. The
+    /// coordinates image carries the unrounded last-image y of each node as its fifth
+    /// channel when the worker stored them.
     Image outputImage();
 
     Rect regionOfInterest(const Image& image, const Rect& destRect,
@@ -66,6 +68,10 @@ public:
     /// after outputImage has taken it.
     const std::vector<float>& coords() const { return m_coords; }
     void setCoords(std::vector<float> coords) { m_coords = std::move(coords); }
+    /// Each node's y in the last image in output pixels, unrounded, nx × ny floats; the
+    /// stored field keeps only its whole row. Empty like coords().
+    const std::vector<float>& exactLastY() const { return m_exactLastY; }
+    void setExactLastY(std::vector<float> lastY) { m_exactLastY = std::move(lastY); }
     const Rect& maxDisplacement0() const { return m_maxDisplacement0; }
     const Rect& maxDisplacement1() const { return m_maxDisplacement1; }
     void setMaxDisplacements(const Rect& toFirst, const Rect& toLast);
@@ -85,6 +91,7 @@ private:
 
     Size m_destSize;
     std::vector<float> m_coords;
+    std::vector<float> m_exactLastY;
     float m_interpolationFactor;
     Rect m_maxDisplacement0;
     Rect m_maxDisplacement1;

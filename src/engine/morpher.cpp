@@ -238,10 +238,12 @@ void Morpher::processMorphCalculationJob(MorphCalculationJob& job) const
     const GridSize grid = job.gridSize();
     // One spare node on each axis, all zero; only the first nx × ny nodes are read.
     std::vector<float> coords(std::size_t{4} * (grid.nx + 1) * (grid.ny + 1), 0.0f);
+    std::vector<float> lastY(grid.nodeCount());
     const Size size = job.destSize();
     const WarpFieldBounds bounds =
-        WarpField(lines, t, size.width, size.height, grid).compute(coords.data());
+        WarpField(lines, t, size.width, size.height, grid).compute(coords.data(), lastY.data());
     job.setCoords(std::move(coords));
+    job.setExactLastY(std::move(lastY));
     job.setMaxDisplacements(unitRect(bounds.first), unitRect(bounds.last));
     job.setProgress(0.9f);
     if (job.abort())

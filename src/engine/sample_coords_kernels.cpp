@@ -62,9 +62,10 @@ float sanePosition(float value, float fallback)
 /// A node's five values: positions in both images and the dissolve factor, decoded from
 /// its four floats. The fourth float packs the last image's row (its integer part) and
 /// half the dissolve factor (its fraction); both are decoded here, before any
-/// interpolation, because the packed number cannot be interpolated as a whole. The whole
-/// row is taken as the vertical position: exact where node rows fall on whole pixels
-/// (the spacing divides the height), otherwise up to one row low.
+/// interpolation, because the packed number cannot be interpolated as a whole. The
+/// vertical position in the last image is the coordinates image's fifth channel, the
+/// unrounded value the warp field computed, when it has one; otherwise the whole row,
+/// which is up to one row low wherever a node does not fall on a whole pixel.
 /// Non-finite values fall back to the node's own position and no dissolve.
 void readNode(const SamplerView& coords, const GridGeometry& g, int i, int j, float out[GridRow::ChannelCount])
 {
@@ -76,7 +77,8 @@ void readNode(const SamplerView& coords, const GridGeometry& g, int i, int j, fl
     out[GridRow::LastX] = sanePosition(p[2], ownX);
     if (std::isfinite(p[3])) {
         const float row = std::floor(p[3]);
-        out[GridRow::LastY] = std::clamp(row, -kPositionLimit, kPositionLimit);
+        out[GridRow::LastY] = std::clamp(coords.fifth ? sanePosition(coords.fifthChannel(i, j), row) : row,
+                                         -kPositionLimit, kPositionLimit);
         out[GridRow::Dissolve] = std::clamp(2.0f * (p[3] - row), 0.0f, 1.0f);
     } else {
         out[GridRow::LastY] = ownY;

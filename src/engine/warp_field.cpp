@@ -109,7 +109,7 @@ public:
         , m_lines(field.m_lines)
         , m_padded((field.m_grid.nx + warp::kRowPadding - 1) / warp::kRowPadding * warp::kRowPadding)
         , m_u(m_padded)
-        , m_store(12 * m_padded)
+        , m_store(13 * m_padded)
     {
         const std::uint32_t nx = field.m_grid.nx;
         const float last = static_cast<float>(nx - 1);
@@ -125,7 +125,7 @@ public:
         m_bounds = {inf, inf, -inf, -inf, inf, inf, -inf, -inf};
     }
 
-    void computeRow(std::uint32_t j, float* coords, bool simd)
+    void computeRow(std::uint32_t j, float* coords, float* lastY, bool simd)
     {
         const WarpField& f = m_field;
         const std::uint32_t ny = f.m_grid.ny;
@@ -140,13 +140,16 @@ public:
         if (withDissolve)
             warp::dissolveRow(m_sums, m_padded, f.m_time);
         float* nodes = m_store.data() + 8 * m_padded;
+        float* rowLastY = m_store.data() + 12 * m_padded;
         const warp::RowFinish row{m_u.data(), m_padded, v, f.m_width, f.m_height, f.m_uniformDissolve,
-                                  f.m_uniformDissolveFactor, plainDissolve(f.m_time), nodes};
+                                  f.m_uniformDissolveFactor, plainDissolve(f.m_time), nodes, rowLastY};
         if (simd)
             warp::finishRowSimd(row, m_sums, m_bounds);
         else
             warp::finishRowScalar(row, m_sums, m_bounds);
         std::memcpy(coords + std::size_t{4} * j * f.m_grid.nx, nodes, sizeof(float) * 4 * f.m_grid.nx);
+        if (lastY)
+            std::memcpy(lastY + std::size_t{j} * f.m_grid.nx, rowLastY, sizeof(float) * f.m_grid.nx);
     }
 
     WarpFieldBounds bounds() const
@@ -175,7 +178,7 @@ private:
     std::vector<warp::LineTerms> m_lines;
     std::size_t m_padded;
     std::vector<float> m_u;
-    std::vector<float> m_store; // eight row arrays, then the row's nodes (4 floats each)
+    std::vector<float> m_store; // eight row arrays, the row's nodes (4 floats each), its last-image y
     warp::RowSums m_sums{};
     warp::Bounds m_bounds{};
 };
@@ -211,21 +214,21 @@ WarpField::WarpField(const WarpLines& lines, float time, float width, float heig
 
 WarpField::~WarpField() = default;
 
-WarpFieldBounds WarpField::compute(float* coords) const
+WarpFieldBounds WarpField::compute(float* coords, float* lastY) const
 {
-    return run(coords, true);
+    return run(coords, lastY, true);
 }
 
-WarpFieldBounds WarpField::computeScalar(float* coords) const
+WarpFieldBounds WarpField::computeScalar(float* coords, float* lastY) const
 {
-    return run(coords, false);
+    return run(coords, lastY, false);
 }
 
-WarpFieldBounds WarpField::run(float* coords, bool simd) const
+WarpFieldBounds WarpField::run(float* coords, float* lastY, bool simd) const
 {
     Rows rows(*this);
     for (std::uint32_t j = 0; j < m_grid.ny; ++j)
-        rows.computeRow(j, coords, simd);
+        rows.computeRow(j, coords, lastY, simd);
     return rows.bounds();
 }
 

@@ -69,7 +69,9 @@ struct WarpFieldBounds {
 /// first and the last image and how far the cross-dissolve has gone, averaged over all
 /// lines with weights length / distance². Nodes are stored as four floats (x and y in
 /// the first image, x in the last image, last-image row plus half the dissolve factor),
-/// rows of nx nodes from the bottom row up.
+/// rows of nx nodes from the bottom row up. The stored form keeps only the whole row of
+/// the last image, so the same pass also answers, on request, a plane of each node's
+/// unrounded y in the last image, which is what the sampling kernels read.
 /// Threads: immutable after construction; compute() may run on any thread, and several
 /// fields may be computed at once.
 class WarpField {
@@ -80,16 +82,18 @@ public:
     WarpField& operator=(const WarpField&) = delete;
 
     /// Fills the first nx × ny nodes of coords (four floats each) using the widest SIMD
-    /// unit of the processor; answers the displacement bounds.
-    WarpFieldBounds compute(float* coords) const;
+    /// unit of the processor, and, unless lastY is null, its nx × ny floats with each
+    /// node's y in the last image in output pixels, unrounded (rows of nx from the bottom
+    /// row up); answers the displacement bounds.
+    WarpFieldBounds compute(float* coords, float* lastY = nullptr) const;
     /// The same in plain scalar code: the reference the SIMD path is checked against.
-    WarpFieldBounds computeScalar(float* coords) const;
+    WarpFieldBounds computeScalar(float* coords, float* lastY = nullptr) const;
 
     GridSize grid() const { return m_grid; }
 
 private:
     class Rows;
-    WarpFieldBounds run(float* coords, bool simd) const;
+    WarpFieldBounds run(float* coords, float* lastY, bool simd) const;
 
     std::vector<warp::LineTerms> m_lines;
     std::vector<AffineTransform> m_toFirst;

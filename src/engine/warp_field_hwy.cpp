@@ -139,7 +139,9 @@ void FinishRow(const RowFinish& row, const RowSums& sums, Bounds& b)
         uB = hn::IfThenElse(ok, uB, u);
         vB = hn::IfThenElse(ok, vB, v);
         f = hn::IfThenElse(ok, f, plain);
-        const V packed = hn::Add(hn::Floor(hn::Mul(height, vB)), hn::Mul(half, f));
+        const V lastY = hn::Mul(height, vB);
+        hn::StoreU(lastY, d, row.lastY + i);
+        const V packed = hn::Add(hn::Floor(lastY), hn::Mul(half, f));
         hn::StoreInterleaved4(hn::Mul(width, uA), hn::Mul(height, vA), hn::Mul(width, uB), packed, d,
                               row.nodes + 4 * i);
         first.include(hn::Sub(uA, u), hn::Sub(vA, v));

@@ -70,6 +70,7 @@ struct RowFinish {
     float dissolve;         ///< the dissolve factor of every node when uniformDissolve
     float plainDissolve;    ///< the dissolve factor of nodes the lines say nothing about
     float* nodes;           ///< 4 × count floats, the row's nodes as stored
+    float* lastY;           ///< count floats, each node's unrounded y in the last image
 };
 
 /// Squared distances below this count as this: a node lying on a line (distance 0) gets a

@@ -112,9 +112,10 @@ void finishRowScalar(const RowFinish& row, const RowSums& sums, Bounds& b)
         c[0] = row.width * uA;
         c[1] = row.height * vA;
         c[2] = row.width * uB;
+        row.lastY[i] = row.height * vB;
         // The row is floored in single precision and half the dissolve factor added in
         // double, so f / 2 never carries into the next row.
-        c[3] = static_cast<float>(static_cast<double>(std::floor(row.height * vB)) + 0.5 * static_cast<double>(f));
+        c[3] = static_cast<float>(static_cast<double>(std::floor(row.lastY[i])) + 0.5 * static_cast<double>(f));
         include(uA - u, vA - row.v, b.minFirstX, b.minFirstY, b.maxFirstX, b.maxFirstY);
         include(uB - u, vB - row.v, b.minLastX, b.minLastY, b.maxLastX, b.maxLastY);
     }

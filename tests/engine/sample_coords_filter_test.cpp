@@ -219,14 +219,22 @@ TEST(SampleCoordsKernels, IdentityGridReproducesTheImageItShowsAndNonFiniteNodes
     EXPECT_EQ(result.pixel(16, 16), small.pixel(16, 16));
 }
 
-TEST(SampleCoordsKernels, LastImageRowsBetweenWholePixelsAreRoundedDown)
+TEST(SampleCoordsKernels, LastImageRowsComeFromTheFifthChannelElseTheWholeRow)
 {
-    // Node rows 6 + 4/7 apart: a node at y = 13.71 keeps row 13, so reads are up to a row lower.
+    // Node rows 6 + 4/7 apart. With the unrounded rows in the fifth channel every pixel reads
+    // its own row, alone or blended; from the packed float alone a node at y = 13.71 keeps
+    // row 13, so reads are up to a row lower.
     const Bitmap source = test::patternBitmap(16, 48, [](int, int y) { return Pixel{std::uint8_t(y * 5), 0, 0, 255}; });
-    const Bitmap result = sampled({}, Image::fromBitmap(source), identityCoords(3, 8, 16, 48, 0), 7, 16, 48);
+    const Image last = Image::fromBitmap(source);
+    const Image black = Image::fromBitmap(test::uniformBitmap(16, 48, {0, 0, 0, 255}));
+    const Bitmap lastAlone = sampled({}, last, identityCoords(3, 8, 16, 48, 0, true), 7, 16, 48);
+    const Bitmap blended = sampled(black, last, identityCoords(3, 8, 16, 48, 1, true), 7, 16, 48);
+    const Bitmap rounded = sampled({}, last, identityCoords(3, 8, 16, 48, 0), 7, 16, 48);
     for (int y = 0; y < 48; ++y) {
-        EXPECT_LE(result.pixel(8, y)[0], y * 5) << y;
-        EXPECT_GE(result.pixel(8, y)[0], std::max(y - 1, 0) * 5) << y;
+        EXPECT_EQ(lastAlone.pixel(8, y)[0], y * 5) << y;
+        EXPECT_EQ(blended.pixel(8, y)[0], y * 5) << y;
+        EXPECT_LE(rounded.pixel(8, y)[0], y * 5) << y;
+        EXPECT_GE(rounded.pixel(8, y)[0], std::max(y - 1, 0) * 5) << y;
     }
 }
 
@@ -299,11 +307,12 @@ TEST(SampleCoordsKernels, LargeImageShrunkToAPreviewDoesNotAlias)
 
 TEST(SampleCoordsKernels, JobRegionsOfInterestGiveTheSamePixelsAsWholeImages)
 {
-    // Displacements of up to ±6 pixels: the job's regions must hold all the kernel reads.
+    // Displacements of up to ±6 pixels: the job's regions must hold all the kernel reads,
+    // and the block of nodes read must bring its part of the fifth channel along.
     const Image coords = makeCoords(16, 9, 100, 50, [](float x, float y) {
         return NodeSample{x + 6 * std::sin(y * 0.2f), y - 4 * std::cos(x * 0.1f), x - 5 * std::cos(y * 0.3f),
                           y + 3 * std::sin(x * 0.15f), 0.5f + 0.5f * std::sin(x * 0.05f)};
-    });
+    }, true);
     const Bitmap a = test::textureBitmap(100, 50);
     const Bitmap b = test::patternBitmap(
         100, 50, [](int x, int y) { return Pixel{std::uint8_t(x * 2), std::uint8_t(y * 5), std::uint8_t(x ^ y), 255}; });
@@ -327,7 +336,7 @@ Image randomWarp(std::mt19937& rng, int nx, int ny, float w, float h, float reac
     std::uniform_real_distribution<float> offset(-reach, reach), unit(0.0f, 1.0f);
     return makeCoords(nx, ny, w, h, [&](float x, float y) {
         return NodeSample{x + offset(rng), y + offset(rng), x + offset(rng), y + offset(rng), unit(rng)};
-    });
+    }, true);
 }
 
 Image randomImage(std::mt19937& rng, int w, int h)

@@ -23,11 +23,13 @@ struct NodeSample {
 
 /// A coordinates image of nx × ny nodes for a W × H frame, built by hand: node (i, j)
 /// lies at (i·W/(nx − 1), j·H/(ny − 1)) and `node` says what it holds there. The fourth
-/// float packs floor(lastY) + 0.5·dissolve, as the warp field does.
+/// float packs floor(lastY) + 0.5·dissolve, as the warp field does; with exactLastY the
+/// image also carries the unrounded lastY as its fifth channel, as a job's does.
 inline Image makeCoords(int nx, int ny, float width, float height,
-                        const std::function<NodeSample(float x, float y)>& node)
+                        const std::function<NodeSample(float x, float y)>& node, bool exactLastY = false)
 {
     std::vector<float> values(static_cast<std::size_t>(nx * ny * 4));
+    std::vector<float> fifth;
     for (int j = 0; j < ny; ++j)
         for (int i = 0; i < nx; ++i) {
             const float x = float(i) * width / float(nx - 1);
@@ -38,16 +40,18 @@ inline Image makeCoords(int nx, int ny, float width, float height,
             p[1] = s.firstY;
             p[2] = s.lastX;
             p[3] = float(double(std::floor(s.lastY)) + 0.5 * double(s.dissolve));
+            if (exactLastY)
+                fifth.push_back(s.lastY);
         }
-    return Image::fromFloatData(std::move(values), static_cast<std::size_t>(nx) * 16, nx, ny);
+    return Image::fromFloatData(std::move(values), static_cast<std::size_t>(nx) * 16, nx, ny, std::move(fifth));
 }
 
 /// Every node at its own position in both images, with one dissolve factor.
-inline Image identityCoords(int nx, int ny, float width, float height, float dissolve)
+inline Image identityCoords(int nx, int ny, float width, float height, float dissolve, bool exactLastY = false)
 {
     return makeCoords(nx, ny, width, height, [dissolve](float x, float y) {
         return NodeSample{x, y, x, y, dissolve};
-    });
+    }, exactLastY);
 }
 
 /// An opaque bitmap whose pixels are given by a function of (x, y).

@@ -224,7 +224,9 @@ std::vector<MorphLine::Ptr> randomLines(unsigned seed, bool varyDissolve)
 
 TEST(WarpFieldSimd, MatchesTheScalarReferenceBitForBitOnEveryTarget)
 {
-    // Same operations in the same order, no fused multiply-add: the tolerance is zero.
+    // Same operations in the same order, no fused multiply-add: the tolerance is zero, for
+    // the stored nodes and for the plane of unrounded last-image y, whose whole part is
+    // the row the nodes store.
     for (const bool varyDissolve : {true, false})
         for (const float t : {0.0f, 0.37f, 1.0f}) {
             const WarpLines lines = warpLinesOf(*Morpher::create(Image(), Image(), randomLines(1234, varyDissolve)), t);
@@ -233,10 +235,15 @@ TEST(WarpFieldSimd, MatchesTheScalarReferenceBitForBitOnEveryTarget)
                 for (const std::int64_t target : hwy::SupportedAndGeneratedTargets()) {
                     hwy::SetSupportedTargetsForTest(target);
                     std::vector<float> scalar = buffer(grid), simd = buffer(grid);
-                    const WarpFieldBounds scalarBounds = field.computeScalar(scalar.data());
-                    const WarpFieldBounds simdBounds = field.compute(simd.data());
+                    std::vector<float> scalarY(grid.nodeCount()), simdY(grid.nodeCount());
+                    const WarpFieldBounds scalarBounds = field.computeScalar(scalar.data(), scalarY.data());
+                    const WarpFieldBounds simdBounds = field.compute(simd.data(), simdY.data());
                     EXPECT_EQ(std::memcmp(simd.data(), scalar.data(), simd.size() * sizeof(float)), 0)
                         << hwy::TargetName(target) << " t " << t << " grid " << grid.nx << "x" << grid.ny;
+                    EXPECT_EQ(std::memcmp(simdY.data(), scalarY.data(), simdY.size() * sizeof(float)), 0)
+                        << hwy::TargetName(target) << " t " << t << " grid " << grid.nx << "x" << grid.ny;
+                    for (std::size_t k = 0; k < scalarY.size(); ++k)
+                        ASSERT_EQ(std::floor(scalarY[k]), std::floor(scalar[4 * k + 3])) << "node " << k;
                     EXPECT_EQ(simdBounds.first, scalarBounds.first) << hwy::TargetName(target);
                     EXPECT_EQ(simdBounds.last, scalarBounds.last) << hwy::TargetName(target);
                 }

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cmath>
 
 namespace plyra {
 namespace {
@@ -90,6 +91,26 @@ TEST(MorphLineTransform, IdentityTranslationStretchAndTurn)
 
     // A quarter turn: the six numbers keep their order (m12 is the y of the image of x).
     expectTransform(lineAt({0, 0}, {0, 0.2f}, {0, 0}, {0.2f, 0})->transformFromTime(0.0f, 1.0f), {0, 1, -1, 0, 0, 0});
+
+    // A diagonal line twice as long on track 1: halved along the diagonal, kept across it.
+    // Scaling along the image axes instead (diag(0.5, 1)) gives other numbers and points.
+    const AffineTransform diagonal
+        = lineAt({0.2f, 0.2f}, {0.4f, 0.4f}, {0.2f, 0.2f}, {0.6f, 0.6f})->transformFromTime(0.0f, 1.0f);
+    expectTransform(diagonal, {0.75f, -0.25f, -0.25f, 0.75f, 0.1f, 0.1f});
+    // Turned from the diagonal onto the x axis and shortened to 2/3: ends onto ends, and
+    // points 0.05 to either side of the track-1 line land 0.05 to that side of track 0's.
+    const float r = 1.0f / std::sqrt(2.0f), off = 0.05f * r;
+    const AffineTransform turned
+        = lineAt({0.1f, 0.1f}, {0.3f, 0.1f}, {0.5f, 0.5f}, {0.5f + 0.3f * r, 0.5f + 0.3f * r})->transformFromTime(0.0f, 1.0f);
+    const struct { const AffineTransform& m; Point from, to; } carried[] = {
+        {diagonal, {0.6f, 0.6f}, {0.4f, 0.4f}},
+        {diagonal, {0.4f, 0.4f}, {0.3f, 0.3f}},
+        {diagonal, {0.2f - 0.1f * r, 0.2f + 0.1f * r}, {0.2f - 0.1f * r, 0.2f + 0.1f * r}},
+        {turned, {0.5f + 0.3f * r, 0.5f + 0.3f * r}, {0.3f, 0.1f}},
+        {turned, {0.5f - off, 0.5f + off}, {0.1f, 0.15f}},
+        {turned, {0.5f + 0.15f * r + off, 0.5f + 0.15f * r - off}, {0.2f, 0.05f}}};
+    for (const auto& c : carried)
+        expectPoint(c.m.apply(c.from), c.to, 1e-6f);
 
     // No length at t2: a finite translation of the start point.
     const AffineTransform point

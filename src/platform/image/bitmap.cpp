@@ -58,11 +58,13 @@ bool Bitmap::samePixels(const Bitmap& other) const
     return true;
 }
 
-FloatBitmap::FloatBitmap(std::vector<float> values, std::size_t floatsPerRow, int width, int height)
+FloatBitmap::FloatBitmap(std::vector<float> values, std::size_t floatsPerRow, int width, int height,
+                         std::vector<float> fifth)
     : m_width(width)
     , m_height(height)
     , m_floatsPerRow(floatsPerRow)
     , m_values(std::move(values))
+    , m_fifth(std::move(fifth))
 {
 }
 

@@ -60,7 +60,9 @@ private:
 };
 
 /// A buffer of four 32-bit floats per pixel (RGBA order, not colours: the coordinates
-/// image of the morph is one), rows bottom row first like Bitmap.
+/// image of the morph is one), rows bottom row first like Bitmap, optionally with a fifth
+/// float per pixel kept in a plane of its own (width floats per row), for data that does
+/// not fit the four channels.
 /// Threads: a plain value; concurrent reads are safe.
 class FloatBitmap {
 public:
@@ -78,14 +80,19 @@ public:
     /// The four floats of pixel (x, y).
     std::array<float, 4> pixel(int x, int y) const;
 
+    bool hasFifthChannel() const { return !m_fifth.empty(); }
+    /// Row y of the fifth channel (width floats); only when hasFifthChannel().
+    const float* fifthChannelRow(int y) const { return m_fifth.data() + static_cast<std::size_t>(y) * m_width; }
+
 private:
     friend class Image;
-    FloatBitmap(std::vector<float> values, std::size_t floatsPerRow, int width, int height);
+    FloatBitmap(std::vector<float> values, std::size_t floatsPerRow, int width, int height, std::vector<float> fifth);
 
     int m_width = 0;
     int m_height = 0;
     std::size_t m_floatsPerRow = 0;
     std::vector<float> m_values;
+    std::vector<float> m_fifth;
 };
 
 } // namespace plyra

@@ -39,7 +39,8 @@ Image Image::fromBitmap(Bitmap bitmap, float originX, float originY)
     return Image(std::move(node));
 }
 
-Image Image::fromFloatData(std::vector<float> values, std::size_t bytesPerRow, int width, int height)
+Image Image::fromFloatData(std::vector<float> values, std::size_t bytesPerRow, int width, int height,
+                           std::vector<float> fifth)
 {
     const std::size_t pixelBytes = FloatBitmap::kFloatsPerPixel * sizeof(float);
     if (width <= 0 || height <= 0 || bytesPerRow % sizeof(float) != 0
@@ -50,10 +51,12 @@ Image Image::fromFloatData(std::vector<float> values, std::size_t bytesPerRow, i
         + static_cast<std::size_t>(width) * FloatBitmap::kFloatsPerPixel;
     if (values.size() < needed)
         return {};
+    if (!fifth.empty() && fifth.size() != static_cast<std::size_t>(width) * static_cast<std::size_t>(height))
+        return {};
     auto node = std::make_shared<Node>();
     node->kind = Kind::FloatBitmap;
     node->extent = {0.0f, 0.0f, static_cast<float>(width), static_cast<float>(height)};
-    node->floatBitmap = FloatBitmap(std::move(values), floatsPerRow, width, height);
+    node->floatBitmap = FloatBitmap(std::move(values), floatsPerRow, width, height, std::move(fifth));
     return Image(std::move(node));
 }
 

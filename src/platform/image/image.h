@@ -29,9 +29,12 @@ public:
     /// the unit square at the origin. An empty bitmap gives a null image.
     static Image fromBitmap(Bitmap bitmap, float originX = 0.0f, float originY = 0.0f);
     /// A float RGBA image from raw floats: rows of bytesPerRow bytes (a multiple of 4, at
-    /// least width × 16), bottom row first, extent (0, 0, width, height). Null when the
-    /// numbers do not fit the data (too little data, bad row length, empty size).
-    static Image fromFloatData(std::vector<float> values, std::size_t bytesPerRow, int width, int height);
+    /// least width × 16), bottom row first, extent (0, 0, width, height). `fifth` is either
+    /// empty or a fifth channel of width × height floats, rows bottom row first. Null when
+    /// the numbers do not fit the data (too little data, bad row length, empty size, a
+    /// fifth channel of another size).
+    static Image fromFloatData(std::vector<float> values, std::size_t bytesPerRow, int width, int height,
+                               std::vector<float> fifth = {});
     /// A kernel applied to arguments (kernel.h). Null when the kernel is missing or the
     /// arguments do not match its signature.
     static Image fromKernel(KernelApplication application);

@@ -41,6 +41,10 @@ struct SamplerView {
     const float* floats = nullptr;
     /// Distance between stored rows, in bytes.
     std::ptrdiff_t bytesPerRow = 0;
+    /// The fifth channel of a float image at texel (originX, originY), rows
+    /// fifthPerRow floats apart; null when the image has none.
+    const float* fifth = nullptr;
+    std::ptrdiff_t fifthPerRow = 0;
     int originX = 0;
     int originY = 0;
     int width = 0;
@@ -64,6 +68,9 @@ struct SamplerView {
         return floats + (clampY(j) - originY) * (bytesPerRow / std::ptrdiff_t(sizeof(float)))
             + (clampX(i) - originX) * 4;
     }
+    /// The fifth channel at texel (i, j), clamped into the stored block; only when fifth
+    /// is set.
+    float fifthChannel(int i, int j) const { return fifth[(clampY(j) - originY) * fifthPerRow + (clampX(i) - originX)]; }
     /// The pixel at sampler-space point (x, y), read with the view's filter, as four
     /// floats in 0…255 for 8-bit images. A straightforward reader for kernels that need
     /// no speed.

@@ -139,6 +139,10 @@ SamplerView SamplerViewBuilder::floatBitmapView(const Sampler& sampler, const Re
     view.height = block.height;
     view.bytesPerRow = static_cast<std::ptrdiff_t>(pixels.bytesPerRow());
     view.floats = pixels.row(block.y) + block.x * 4;
+    if (pixels.hasFifthChannel()) {
+        view.fifth = pixels.fifthChannelRow(block.y) + block.x;
+        view.fifthPerRow = pixels.width();
+    }
     return view;
 }
 

@@ -18,14 +18,15 @@ namespace plyra::bench {
 inline constexpr unsigned kSeed = 20240611;
 
 /// n lines of 2 % to 20 % of the frame, anywhere on it, each moving, turning and
-/// stretching a little between the two images, with the default timing.
-inline std::vector<MorphLine::Ptr> benchLines(int n, unsigned seed = kSeed)
+/// stretching between the two images (each end by up to `motion` of the frame on each
+/// axis), with the default timing.
+inline std::vector<MorphLine::Ptr> benchLines(int n, unsigned seed = kSeed, float motion = 0.04f)
 {
     std::mt19937 random(seed);
     std::uniform_real_distribution<float> where(0.05f, 0.95f);
     std::uniform_real_distribution<float> length(0.02f, 0.2f);
     std::uniform_real_distribution<float> angle(0.0f, 6.2831853f);
-    std::uniform_real_distribution<float> nudge(-0.04f, 0.04f);
+    std::uniform_real_distribution<float> nudge(-motion, motion);
     std::vector<MorphLine::Ptr> lines;
     for (int k = 0; k < n; ++k) {
         const Point s0{where(random), where(random)};

@@ -174,13 +174,20 @@ void readImages(MorphDocument& document, const PropertyList& info, const QString
     }
 }
 
+// A number, or a number written as a string by another writer: both are read by their
+// integer value.
+bool holdsInteger(const PropertyList* value)
+{
+    return value && (value->isNumber() || value->string());
+}
+
 // The stored reals are read as integers: the fraction is dropped.
 void readFrameSize(MorphDocument& document, const PropertyList& info)
 {
     QSizeF size = document.frameSize();
-    if (const PropertyList* width = info.find(kFrameWidth); width && width->isNumber())
+    if (const PropertyList* width = info.find(kFrameWidth); holdsInteger(width))
         size.setWidth(static_cast<double>(width->integerValue()));
-    if (const PropertyList* height = info.find(kFrameHeight); height && height->isNumber())
+    if (const PropertyList* height = info.find(kFrameHeight); holdsInteger(height))
         size.setHeight(static_cast<double>(height->integerValue()));
     document.setFrameSize(size);
 }
@@ -189,7 +196,7 @@ void readCodecSettings(MorphDocument& document, const PropertyList& info)
 {
     if (const PropertyList* format = info.find(kCodecFormat); format && format->string())
         document.setCodecFormat(QString::fromStdString(*format->string()));
-    if (const PropertyList* quality = info.find(kCodecQuality); quality && quality->isNumber()) {
+    if (const PropertyList* quality = info.find(kCodecQuality); holdsInteger(quality)) {
         const std::int64_t value = quality->integerValue();
         document.setCodecQuality(static_cast<int>(std::clamp<std::int64_t>(value, INT32_MIN, INT32_MAX)));
     }

@@ -21,11 +21,11 @@ std::string shortestFloatText(float value)
 
 std::size_t readLeadingNumber(std::string_view text, double& value)
 {
-    std::size_t start = 0;
-    if (!text.empty() && text[0] == '+')
-        start = 1;
-    if (start < text.size() && (text[start] == 'i' || text[start] == 'I' || text[start] == 'n' || text[start] == 'N'))
-        return 0; // "inf" and "nan" are not numbers in our texts
+    // The character conversion takes a minus sign but not a plus sign.
+    const std::size_t start = !text.empty() && text[0] == '+' ? 1 : 0;
+    const std::size_t first = !text.empty() && (text[0] == '+' || text[0] == '-') ? 1 : 0;
+    if (first < text.size() && (text[first] == 'i' || text[first] == 'I' || text[first] == 'n' || text[first] == 'N'))
+        return 0; // "inf" and "nan", signed or not, are not numbers in our texts
     const char* begin = text.data() + start;
     const auto result = std::from_chars(begin, text.data() + text.size(), value, std::chars_format::general);
     if (result.ec == std::errc::invalid_argument)

@@ -18,7 +18,7 @@ std::string shortestFloatText(float value);
 
 /// Reads a decimal number at the start of text (an optional sign, digits, a fraction,
 /// an exponent). Returns the number of characters read, 0 when text does not start
-/// with a number.
+/// with a number; infinities and not-a-number ("inf", "-nan", "+INF") are not numbers.
 std::size_t readLeadingNumber(std::string_view text, double& value);
 
 } // namespace plyra

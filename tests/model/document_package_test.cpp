@@ -189,6 +189,23 @@ TEST_F(DocumentPackageTest, SavingOverAPackageRemovesFilesTheNewSaveDoesNotWrite
     EXPECT_EQ(argb(read->imageInTrack(1)->raster), argb(again->imageInTrack(1)->raster));
 }
 
+TEST_F(DocumentPackageTest, SizesAndQualityStoredAsStringsAreReadByTheirIntegerValue)
+{
+    using Dictionary = PropertyList::Dictionary;
+    const struct { const char* name; Dictionary info; QSizeF size; int quality; } cases[] = {
+        {"strings.plyra", Dictionary{{"frameWidth", "640"}, {"frameHeight", "480"}, {"codecQuality", "512"}}, {640, 480}, 512},
+        {"mixed.plyra", Dictionary{{"frameWidth", 320.9}, {"frameHeight", " 240.7 px"}, {"codecQuality", 100}}, {320, 240}, 100},
+        {"numbers.plyra", Dictionary{{"frameWidth", 64.0}, {"frameHeight", std::int64_t{48}}, {"codecQuality", "1023.9"}},
+         {64, 48}, 1023},
+    };
+    for (const auto& c : cases) {
+        auto read = reopen(packageWithInfo(c.info, c.name));
+        ASSERT_TRUE(read) << c.name;
+        EXPECT_EQ(read->frameSize(), c.size) << c.name;
+        EXPECT_EQ(read->codecQuality(), c.quality) << c.name;
+    }
+}
+
 TEST_F(DocumentPackageTest, UnreadableInfoPlistIsRefused)
 {
     MorphDocument document;

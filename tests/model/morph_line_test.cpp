@@ -220,6 +220,15 @@ TEST(MorphLineStoredForm, OlderKeysOrderingRulesAndBadValues)
     EXPECT_FLOAT_EQ(bad->dissolveStartTime(), 0.0f);
     EXPECT_FLOAT_EQ(bad->endPointStopMoveTime(), 0.0f);
 
+    // Infinities and not-a-number, signed or not, are texts that are not numbers: 0.
+    for (const char* text : {"-nan", "-inf", "+inf", "inf", "nan", "-INF"}) {
+        auto line = MorphLine::fromValues(PropertyList::Dictionary{{"dissolveStartTime", "0.5"}, {"dissolveEndTime", text},
+                                                                   {"endPointBeginMoveTime", text}});
+        EXPECT_FLOAT_EQ(line->dissolveEndTime(), 0.0f) << text;
+        EXPECT_FLOAT_EQ(line->dissolveStartTime(), 0.0f) << text; // lowered to the end time
+        EXPECT_FLOAT_EQ(line->endPointBeginMoveTime(), 0.0f) << text;
+    }
+
     EXPECT_FALSE(MorphLine::fromValues(PropertyList(42)));
     EXPECT_FALSE(MorphLine::fromValues(PropertyList("{ unclosed = ")));
     EXPECT_FALSE(MorphLine::fromValues(PropertyList("(a, b)")));

@@ -17,6 +17,8 @@ TEST(PropertyList, NumericReadings)
     const std::vector<std::pair<PropertyList, double>> rows = {
         { PropertyList("0.5"), 0.5 }, { PropertyList("  \t-2.25e1xyz"), -22.5 }, { PropertyList("+3"), 3.0 },
         { PropertyList("abc"), 0.0 }, { PropertyList(""), 0.0 }, { PropertyList("nan"), 0.0 },
+        { PropertyList("-nan"), 0.0 }, { PropertyList("-inf"), 0.0 }, { PropertyList("+inf"), 0.0 },
+        { PropertyList(" -Infinity"), 0.0 }, { PropertyList("+NaN"), 0.0 }, { PropertyList("-0.25"), -0.25 },
         { PropertyList(7), 7.0 }, { PropertyList(true), 1.0 }, { PropertyList(false), 0.0 },
         { PropertyList(Array { PropertyList(1) }), 0.0 }, { PropertyList(Data { 1 }), 0.0 },
     };

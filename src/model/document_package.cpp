@@ -111,12 +111,10 @@ bool writeDictionary(const PackageContents& contents, const StagedDirectory& sta
 {
     std::string reason;
     const QString target = staged.stagingFilePath(QLatin1String(DocumentPackage::kInfoFileName));
-    if (staged.isValid() && writeXmlPropertyListFile(PropertyList(contents.info), localPath(target), &reason))
+    if (writeXmlPropertyListFile(PropertyList(contents.info), localPath(target), &reason))
         return true;
     const QString finalPath = QDir(staged.finalPath()).filePath(QLatin1String(DocumentPackage::kInfoFileName));
     logLine(formatString("Plyra could not save dictionary at %s", localPath(finalPath).c_str()));
-    if (!staged.isValid())
-        return fail(error, staged.errorString());
     return fail(error, packageText("Could not save “%1”: %2").arg(finalPath, QString::fromStdString(reason)));
 }
 
@@ -254,13 +252,22 @@ bool DocumentPackage::read(MorphDocument& document, const QString& packagePath, 
 bool DocumentPackage::write(const MorphDocument& document, const QString& packagePath, QString* error)
 {
     const PackageContents contents = collect(document);
+    // Each step that can fail says so itself, in the log and in the message: the folder
+    // the package is built in, the dictionary, each image, and moving it into place.
     StagedDirectory staged(packagePath);
+    if (!staged.isValid()) {
+        logLine(formatString("Plyra could not create a folder to save %s in", localPath(staged.finalPath()).c_str()));
+        return fail(error, staged.errorString());
+    }
     if (!writeDictionary(contents, staged, error))
         return false;
     for (const PackageImage& entry : contents.images)
         if (!writeImage(entry, staged, error))
             return false;
-    return staged.commit(error);
+    if (staged.commit(error))
+        return true;
+    logLine(formatString("Plyra could not move the saved package into place at %s", localPath(staged.finalPath()).c_str()));
+    return false;
 }
 
 } // namespace plyra

@@ -82,18 +82,52 @@ QString describe(const QString& what, const QString& path, const TiffMessages& m
 
 // ---- writing -----------------------------------------------------------------------
 
-/// The pixels to store and how the file describes them.
+/// The pixels to store and how the file describes them. 16-bit pixels are held as
+/// RGBX64 or RGBA64 images; without alpha only three of their four values are stored.
 struct StoredLayout {
     QImage pixels;
     std::uint16_t samples;
     std::uint16_t alphaKind; // 0 without alpha, else an EXTRASAMPLE_ value
+    std::uint16_t bits = 8;
 };
+
+// Formats whose channels hold more than 8 bits, which an 8-bit file would round.
+bool isDeep(QImage::Format format)
+{
+    switch (format) {
+    case QImage::Format_Grayscale16:
+    case QImage::Format_RGBX64:
+    case QImage::Format_RGBA64:
+    case QImage::Format_RGBA64_Premultiplied:
+    case QImage::Format_BGR30:
+    case QImage::Format_A2BGR30_Premultiplied:
+    case QImage::Format_RGB30:
+    case QImage::Format_A2RGB30_Premultiplied:
+    case QImage::Format_RGBX16FPx4:
+    case QImage::Format_RGBA16FPx4:
+    case QImage::Format_RGBA16FPx4_Premultiplied:
+    case QImage::Format_RGBX32FPx4:
+    case QImage::Format_RGBA32FPx4:
+    case QImage::Format_RGBA32FPx4_Premultiplied:
+        return true;
+    default:
+        return false;
+    }
+}
 
 StoredLayout storedLayout(const QImage& image)
 {
+    const bool premultiplied = image.pixelFormat().premultiplied() == QPixelFormat::Premultiplied;
+    if (isDeep(image.format())) {
+        if (!image.hasAlphaChannel())
+            return {image.convertToFormat(QImage::Format_RGBX64), 3, 0, 16};
+        if (premultiplied)
+            return {image.convertToFormat(QImage::Format_RGBA64_Premultiplied), 4, EXTRASAMPLE_ASSOCALPHA, 16};
+        return {image.convertToFormat(QImage::Format_RGBA64), 4, EXTRASAMPLE_UNASSALPHA, 16};
+    }
     if (!image.hasAlphaChannel())
         return {image.convertToFormat(QImage::Format_RGB888), 3, 0};
-    if (image.pixelFormat().premultiplied() == QPixelFormat::Premultiplied)
+    if (premultiplied)
         return {image.convertToFormat(QImage::Format_RGBA8888_Premultiplied), 4, EXTRASAMPLE_ASSOCALPHA};
     return {image.convertToFormat(QImage::Format_RGBA8888), 4, EXTRASAMPLE_UNASSALPHA};
 }
@@ -104,7 +138,7 @@ void setTags(TIFF* tiff, const StoredLayout& layout)
     const auto height = static_cast<std::uint32_t>(layout.pixels.height());
     TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, width);
     TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, height);
-    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8);
+    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, int(layout.bits));
     TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, int(layout.samples));
     TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB);
     TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
@@ -124,13 +158,29 @@ void setTags(TIFF* tiff, const StoredLayout& layout)
         TIFFSetField(tiff, TIFFTAG_ICCPROFILE, static_cast<std::uint32_t>(profile.size()), profile.constData());
 }
 
+// One row as the file stores it: the scan line itself, or for 16-bit RGB the scan line's
+// RGBX64 pixels without their fourth value. Samples stay in the machine's byte order,
+// which is the order libtiff writes its files in.
+void storedRow(const StoredLayout& layout, int y, std::vector<unsigned char>& row)
+{
+    const int width = layout.pixels.width();
+    if (layout.bits == 8 || layout.samples == 4) {
+        std::memcpy(row.data(), layout.pixels.constScanLine(y), row.size());
+        return;
+    }
+    const auto* source = reinterpret_cast<const std::uint16_t*>(layout.pixels.constScanLine(y));
+    auto* target = reinterpret_cast<std::uint16_t*>(row.data());
+    for (int x = 0; x < width; ++x, source += 4, target += 3)
+        std::memcpy(target, source, 3 * sizeof(std::uint16_t));
+}
+
 bool writeRows(TIFF* tiff, const StoredLayout& layout)
 {
-    const auto rowBytes = static_cast<std::size_t>(layout.pixels.width()) * layout.samples;
+    const auto rowBytes = static_cast<std::size_t>(layout.pixels.width()) * layout.samples * (layout.bits / 8);
     // libtiff may encode in place, so each row goes through a scratch copy.
     std::vector<unsigned char> row(rowBytes);
     for (int y = 0; y < layout.pixels.height(); ++y) {
-        std::memcpy(row.data(), layout.pixels.constScanLine(y), rowBytes);
+        storedRow(layout, y, row);
         if (TIFFWriteScanline(tiff, row.data(), static_cast<std::uint32_t>(y), 0) < 0)
             return false;
     }
@@ -170,26 +220,54 @@ bool readHeader(TIFF* tiff, TiffHeader& header)
     return true;
 }
 
-// The layout this program writes, which is read row by row exactly as stored.
+// The layouts this program writes, which are read row by row exactly as stored.
 bool isPlainRgb(const TiffHeader& h)
 {
     const bool rgb = h.samples == 3 && h.extraCount == 0;
     const bool rgba = h.samples == 4 && h.extraCount == 1;
-    return h.bitsPerSample == 8 && h.photometric == PHOTOMETRIC_RGB && h.planar == PLANARCONFIG_CONTIG
-        && !h.tiled && h.orientation == ORIENTATION_TOPLEFT && (rgb || rgba);
+    return (h.bitsPerSample == 8 || h.bitsPerSample == 16) && h.photometric == PHOTOMETRIC_RGB
+        && h.planar == PLANARCONFIG_CONTIG && !h.tiled && h.orientation == ORIENTATION_TOPLEFT && (rgb || rgba);
+}
+
+QImage::Format plainFormat(const TiffHeader& h)
+{
+    const bool associated = h.firstExtra == EXTRASAMPLE_ASSOCALPHA;
+    if (h.bitsPerSample == 16) {
+        if (h.samples == 3)
+            return QImage::Format_RGBX64;
+        return associated ? QImage::Format_RGBA64_Premultiplied : QImage::Format_RGBA64;
+    }
+    if (h.samples == 3)
+        return QImage::Format_RGB888;
+    return associated ? QImage::Format_RGBA8888_Premultiplied : QImage::Format_RGBA8888;
+}
+
+// 16-bit RGB rows are read into the RGBX64 scan line and spread to four values each, last
+// pixel first so that nothing is overwritten before it is moved.
+void widenRgb16(uchar* line, std::uint32_t width)
+{
+    auto* values = reinterpret_cast<std::uint16_t*>(line);
+    for (std::uint32_t x = width; x-- > 0;) {
+        const std::uint16_t r = values[3 * x], g = values[3 * x + 1], b = values[3 * x + 2];
+        values[4 * x] = r;
+        values[4 * x + 1] = g;
+        values[4 * x + 2] = b;
+        values[4 * x + 3] = 0xffff;
+    }
 }
 
 std::optional<QImage> readPlainRgb(TIFF* tiff, const TiffHeader& h)
 {
-    QImage::Format format = QImage::Format_RGB888;
-    if (h.samples == 4)
-        format = h.firstExtra == EXTRASAMPLE_ASSOCALPHA ? QImage::Format_RGBA8888_Premultiplied : QImage::Format_RGBA8888;
-    QImage image(static_cast<int>(h.width), static_cast<int>(h.height), format);
-    if (image.isNull() || TIFFScanlineSize64(tiff) != std::uint64_t(h.width) * h.samples)
+    QImage image(static_cast<int>(h.width), static_cast<int>(h.height), plainFormat(h));
+    if (image.isNull() || TIFFScanlineSize64(tiff) != std::uint64_t(h.width) * h.samples * (h.bitsPerSample / 8))
         return std::nullopt;
-    for (std::uint32_t y = 0; y < h.height; ++y)
-        if (TIFFReadScanline(tiff, image.scanLine(static_cast<int>(y)), y, 0) < 0)
+    for (std::uint32_t y = 0; y < h.height; ++y) {
+        uchar* line = image.scanLine(static_cast<int>(y));
+        if (TIFFReadScanline(tiff, line, y, 0) < 0)
             return std::nullopt;
+        if (h.bitsPerSample == 16 && h.samples == 3)
+            widenRgb16(line, h.width);
+    }
     return image;
 }
 
@@ -222,7 +300,7 @@ bool TiffIo::write(const QImage& image, const QString& path, QString* error)
         return fail(error, tiffText("There is no image to write to “%1”.").arg(path));
     const StoredLayout layout = storedLayout(image);
     if (layout.pixels.isNull())
-        return fail(error, tiffText("The image for “%1” could not be converted to 8-bit RGB.").arg(path));
+        return fail(error, tiffText("The image for “%1” could not be converted to RGB.").arg(path));
     TiffMessages messages;
     TiffFile tiff = openTiff(path, "w", messages);
     if (!tiff)

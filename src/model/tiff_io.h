@@ -8,18 +8,20 @@
 
 namespace plyra {
 
-/// Writes and reads 8-bit RGB and RGBA TIFF files through libtiff. Writing uses PackBits
-/// compression and keeps the image's own alpha form (associated alpha for premultiplied
-/// images, unassociated otherwise), so a written and re-read image is identical pixel for
-/// pixel, alpha included.
+/// Writes and reads 8-bit and 16-bit RGB and RGBA TIFF files through libtiff. Writing
+/// uses PackBits compression, keeps the image's own alpha form (associated alpha for
+/// premultiplied images, unassociated otherwise) and its depth (16 bits per channel for
+/// images with more than 8), so a written and re-read image is identical value for
+/// value, alpha included.
 /// Threads: any thread; the functions share no state.
 class TiffIo {
 public:
-    /// Writes image to path. Images with more than 8 bits per channel are narrowed to 8.
+    /// Writes image to path: 16 bits per channel for images with more than 8 (16-bit,
+    /// 10-bit and floating-point formats), else 8.
     static bool write(const QImage& image, const QString& path, QString* error = nullptr);
-    /// Reads the first directory of a TIFF file. 8-bit RGB and RGBA strips come back
-    /// exactly as stored; any other layout libtiff understands comes back converted to
-    /// premultiplied RGBA.
+    /// Reads the first directory of a TIFF file. 8-bit and 16-bit RGB and RGBA strips
+    /// come back exactly as stored (16-bit ones as RGBX64 or RGBA64 images); any other
+    /// layout libtiff understands comes back converted to 8-bit premultiplied RGBA.
     static std::optional<QImage> read(const QString& path, QString* error = nullptr);
     /// Whether bytes begin with a TIFF signature ("II*\0" or "MM\0*").
     static bool hasTiffSignature(const QByteArray& bytes);

@@ -11,6 +11,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <memory>
 #include <vector>
@@ -133,6 +134,34 @@ TEST_F(DocumentPackageTest, TwoBitmapsRoundTripExactly)
     EXPECT_TRUE(read->undoManager().canUndo());
 }
 
+TEST_F(DocumentPackageTest, SixteenBitPngsKeepEveryValueThroughSaveAndOpen)
+{
+    // Values an 8-bit file would round; with alpha (RGBA64) and without (RGBX64).
+    for (const QImage::Format format : {QImage::Format_RGBA64, QImage::Format_RGBX64}) {
+        QImage deep(10, 7, format);
+        for (int y = 0; y < deep.height(); ++y)
+            for (int x = 0; x < deep.width(); ++x)
+                deep.setPixelColor(x, y, QColor::fromRgba64(std::uint16_t(x * 6007 + y * 13), std::uint16_t(y * 9001 + 7),
+                                                            std::uint16_t(x * y * 777 + 1),
+                                                            format == QImage::Format_RGBX64 ? 0xffff : std::uint16_t(x * 6000 + 4001)));
+        const QString png = path(format == QImage::Format_RGBA64 ? "deep-rgba.png" : "deep-rgb.png");
+        ASSERT_TRUE(deep.save(png, "PNG"));
+        MorphDocument document;
+        document.setImageFromURL(png, 0);
+        ASSERT_TRUE(document.imageInTrack(0));
+        QString error;
+        ASSERT_TRUE(document.writeToFile(package(), &error)) << error.toStdString();
+        auto read = reopen(package(), &error);
+        ASSERT_TRUE(read && read->imageInTrack(0)) << error.toStdString();
+        const QImage expected = deep.convertToFormat(QImage::Format_RGBA64);
+        const QImage actual = read->imageInTrack(0)->raster.convertToFormat(QImage::Format_RGBA64);
+        ASSERT_EQ(actual.size(), expected.size());
+        for (int y = 0; y < expected.height(); ++y)
+            for (int x = 0; x < expected.width(); ++x)
+                ASSERT_EQ(actual.pixelColor(x, y).rgba64(), expected.pixelColor(x, y).rgba64()) << x << "," << y;
+    }
+}
+
 TEST_F(DocumentPackageTest, PdfImagesKeepTheirOriginalBytes)
 {
     const QByteArray pdf = makePdf(30, 20);
@@ -203,6 +232,27 @@ TEST_F(DocumentPackageTest, SizesAndQualityStoredAsStringsAreReadByTheirIntegerV
         ASSERT_TRUE(read) << c.name;
         EXPECT_EQ(read->frameSize(), c.size) << c.name;
         EXPECT_EQ(read->codecQuality(), c.quality) << c.name;
+    }
+}
+
+TEST_F(DocumentPackageTest, AFailedSaveNamesTheStepThatFailed)
+{
+    // The package cannot even be begun: its folder is missing, or is a file.
+    writeBytes(path("plain-file"), "not a folder");
+    MorphDocument document;
+    document.setImageFromURL(writePng("first.png", 8, 6), 0);
+    const struct { const char* package; const char* reason; } cases[] = {
+        {"missing/doc.plyra", "No such file or directory"}, {"plain-file/doc.plyra", "Not a directory"}};
+    for (const auto& c : cases) {
+        const QString target = path(c.package);
+        LogCapture log;
+        QString error;
+        EXPECT_FALSE(document.writeToFile(target, &error)) << c.package;
+        EXPECT_TRUE(error.contains(QStringLiteral("Could not create a folder beside “%1”").arg(target))) << error.toStdString();
+        EXPECT_TRUE(error.contains(QLatin1String(c.reason))) << error.toStdString();
+        EXPECT_TRUE(log.contains("could not create a folder to save " + QFile::encodeName(target).toStdString())) << c.package;
+        EXPECT_FALSE(log.contains("dictionary")) << c.package; // no step after the first was tried
+        EXPECT_FALSE(QFileInfo::exists(target)) << c.package;
     }
 }
 

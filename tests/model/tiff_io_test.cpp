@@ -83,6 +83,54 @@ TEST_F(TiffIoTest, PackBitsRoundTripIsExact)
     }
 }
 
+// Values an 8-bit file would round: every channel differs from its neighbours in the low byte.
+QImage deepPattern(QImage::Format format)
+{
+    QImage image(11, 6, format);
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x) {
+            const auto v = [&](int k) { return static_cast<std::uint16_t>((x * 5003 + y * 1237 + k * 331) % 65536); };
+            const std::uint16_t alpha = format == QImage::Format_RGBX64 ? 0xffff : v(3);
+            const auto scale = [&](std::uint16_t c) {
+                return format == QImage::Format_RGBA64_Premultiplied ? static_cast<std::uint16_t>(c * alpha / 65535) : c;
+            };
+            auto* p = reinterpret_cast<std::uint16_t*>(image.scanLine(y)) + 4 * x;
+            const std::uint16_t values[4] = {scale(v(0)), scale(v(1)), scale(v(2)), alpha};
+            std::memcpy(p, values, sizeof values);
+        }
+    return image;
+}
+
+TEST_F(TiffIoTest, SixteenBitImagesKeepEveryValue)
+{
+    const struct { const char* file; QImage image; QImage::Format readFormat; std::uint16_t samples; } cases[] = {
+        {"rgba64.tiff", deepPattern(QImage::Format_RGBA64), QImage::Format_RGBA64, 4},
+        {"premultiplied64.tiff", deepPattern(QImage::Format_RGBA64_Premultiplied), QImage::Format_RGBA64_Premultiplied, 4},
+        {"rgbx64.tiff", deepPattern(QImage::Format_RGBX64), QImage::Format_RGBX64, 3},
+        {"grey16.tiff", deepPattern(QImage::Format_RGBX64).convertToFormat(QImage::Format_Grayscale16),
+         QImage::Format_RGBX64, 3},
+    };
+    for (const auto& c : cases) {
+        QString error;
+        ASSERT_TRUE(TiffIo::write(c.image, path(c.file), &error)) << error.toStdString();
+        const std::optional<QImage> read = TiffIo::read(path(c.file), &error);
+        ASSERT_TRUE(read) << error.toStdString();
+        ASSERT_EQ(read->format(), c.readFormat) << c.file;
+        const QImage expected = c.image.convertToFormat(c.readFormat);
+        for (int y = 0; y < expected.height(); ++y)
+            ASSERT_EQ(0, std::memcmp(expected.constScanLine(y), read->constScanLine(y), std::size_t(expected.width()) * 8))
+                << c.file << " row " << y;
+        TIFF* tiff = TIFFOpen(QFile::encodeName(path(c.file)).constData(), "r");
+        ASSERT_NE(tiff, nullptr);
+        std::uint16_t bits = 0, samples = 0;
+        TIFFGetFieldDefaulted(tiff, TIFFTAG_BITSPERSAMPLE, &bits);
+        TIFFGetFieldDefaulted(tiff, TIFFTAG_SAMPLESPERPIXEL, &samples);
+        EXPECT_EQ(bits, 16) << c.file;
+        EXPECT_EQ(samples, c.samples) << c.file;
+        TIFFClose(tiff);
+    }
+}
+
 TEST_F(TiffIoTest, MissingDamagedOrUnwritableFilesGiveAReason)
 {
     ASSERT_TRUE(TiffIo::write(unassociatedPattern(), path("whole.tiff")));

@@ -1,0 +1,212 @@
+// SPDX-License-Identifier: MIT
+#include "inspector/inspector_controller.h"
+
+#include "inspector/empty_selection_view.h"
+#include "inspector/inspectable_window.h"
+#include "inspector/inspector.h"
+#include "inspector/inspector_panel.h"
+#include "inspector/inspector_selection.h"
+#include "model/morph_document.h"
+#include "model/morph_line.h"
+#include "platform/log.h"
+#include "platform/notification_center.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QScreen>
+
+namespace plyra {
+namespace {
+
+constexpr int kRevertDelayMs = 10;
+
+InspectorController* g_sharedController = nullptr;
+
+// Document windows are the main windows; the panel, dialogs, sheets, popups and other
+// tool windows becoming active do not change which document is in front.
+bool canBecomeMainWindow(const QWidget* window)
+{
+    const Qt::WindowType type = window->windowType();
+    return type == Qt::Window || type == Qt::Widget;
+}
+
+QWidget* documentWindowOf(QWidget* window)
+{
+    for (QWidget* w = window; w; w = w->parentWidget())
+        if (dynamic_cast<InspectableWindow*>(w))
+            return w;
+    return nullptr;
+}
+
+} // namespace
+
+InspectorController::InspectorController(QObject* parent)
+    : QObject(parent)
+    , m_panel(std::make_unique<InspectorPanel>())
+    , m_emptySelectionView(new EmptySelectionView)
+    , m_offWin(std::make_unique<QWidget>())
+{
+    if (!g_sharedController)
+        g_sharedController = this;
+    m_inspectors.reserve(2);
+    m_revertTimer.setSingleShot(true);
+    m_revertTimer.setInterval(kRevertDelayMs);
+    m_revertTimer.setTimerType(Qt::PreciseTimer);
+    connect(&m_revertTimer, &QTimer::timeout, this, &InspectorController::revert);
+    connect(m_panel.get(), &InspectorPanel::visibilityChanged, this, &InspectorController::panelVisibilityChanged);
+    m_panel->replaceContentView(m_emptySelectionView);
+    observeNotifications();
+    qApp->installEventFilter(this);
+    if (QWidget* active = QApplication::activeWindow())
+        windowActivated(active);
+}
+
+InspectorController::~InspectorController()
+{
+    NotificationCenter::defaultCenter().removeObserversOwnedBy(this);
+    if (qApp)
+        qApp->removeEventFilter(this);
+    m_revertTimer.stop();
+    disconnect(m_mainWindowDestroyed);
+    if (g_sharedController == this)
+        g_sharedController = nullptr;
+}
+
+InspectorController* InspectorController::sharedInspectorController()
+{
+    if (!g_sharedController) {
+        auto* controller = new InspectorController;
+        // The panel's widgets must go before the application object does.
+        connect(qApp, &QCoreApplication::aboutToQuit, controller, [controller] { delete controller; });
+    }
+    return g_sharedController;
+}
+
+void InspectorController::observeNotifications()
+{
+    auto& center = NotificationCenter::defaultCenter();
+    const auto schedule = [this](const Notification&) { delayedRevert(); };
+    center.addObserver(kSelectionUpdatedNotification, schedule, this);
+    center.addObserver(kObjectsUpdatedNotification, schedule, this);
+    center.addObserver(kFrameTimeUpdatedNotification, schedule, this);
+}
+
+void InspectorController::registerInspector(Inspector* inspector)
+{
+    if (!inspector)
+        return;
+    m_inspectors.append(inspector);
+    connect(inspector, &Inspector::helpRequested, this, &InspectorController::helpRequested, Qt::UniqueConnection);
+}
+
+bool InspectorController::isPanelVisible() const
+{
+    return m_panel->isVisible();
+}
+
+void InspectorController::showPanel()
+{
+    if (!m_panel->isVisible()) {
+        m_panel->adjustSize();
+        centrePanel();
+    }
+    m_panel->show();
+    m_panel->raise();
+    revert();
+}
+
+void InspectorController::hidePanel()
+{
+    m_panel->hide();
+}
+
+void InspectorController::togglePanel()
+{
+    if (isPanelVisible())
+        hidePanel();
+    else
+        showPanel();
+}
+
+void InspectorController::centrePanel()
+{
+    QScreen* screen = m_mainWindow ? m_mainWindow->screen() : QGuiApplication::primaryScreen();
+    if (!screen)
+        return;
+    QRect frame = m_panel->frameGeometry();
+    frame.moveCenter(screen->availableGeometry().center());
+    m_panel->move(frame.topLeft());
+}
+
+QWidget* InspectorController::shownView() const
+{
+    return m_panel->contentView();
+}
+
+void InspectorController::delayedRevert()
+{
+    m_revertTimer.start();
+}
+
+void InspectorController::revert()
+{
+    m_revertTimer.stop();
+    if (!m_panel->isVisible())
+        return;
+    auto* window = dynamic_cast<InspectableWindow*>(m_mainWindow.data());
+    const QVariantList targets = window ? window->currentSelection() : QVariantList();
+    for (const QPointer<Inspector>& inspector : std::as_const(m_inspectors)) {
+        if (!inspector || !inspector->isValidInspectorForTargets(targets))
+            continue;
+        QWidget* view = inspector->view();
+        inspector->setDocumentWindow(m_mainWindow);
+        inspector->setTargets(targets);
+        inspector->revert();
+        showContentView(view);
+        return;
+    }
+    if (targets.isEmpty())
+        showContentView(m_emptySelectionView);
+    else
+        logLine(QStringLiteral("Unknown selection:%1").arg(selectionDescription(targets)).toStdString());
+}
+
+void InspectorController::showContentView(QWidget* view)
+{
+    if (!view || view == m_panel->contentView())
+        return;
+    if (QWidget* previous = m_panel->replaceContentView(view))
+        previous->setParent(m_offWin.get());
+}
+
+bool InspectorController::eventFilter(QObject* watched, QEvent* event)
+{
+    if (!watched->isWidgetType())
+        return false;
+    auto* widget = static_cast<QWidget*>(watched);
+    if (event->type() == QEvent::WindowActivate && widget->isWindow())
+        windowActivated(widget);
+    else if (event->type() == QEvent::Hide && widget == m_mainWindow && !widget->isMinimized())
+        setMainWindow(nullptr);
+    return false;
+}
+
+void InspectorController::windowActivated(QWidget* window)
+{
+    if (window == m_panel.get() || !canBecomeMainWindow(window))
+        return;
+    setMainWindow(documentWindowOf(window));
+}
+
+void InspectorController::setMainWindow(QWidget* window)
+{
+    if (window == m_mainWindow)
+        return;
+    disconnect(m_mainWindowDestroyed);
+    m_mainWindow = window;
+    if (window)
+        m_mainWindowDestroyed = connect(window, &QObject::destroyed, this, &InspectorController::delayedRevert);
+    delayedRevert();
+}
+
+} // namespace plyra

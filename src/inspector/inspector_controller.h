@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+
+#include <memory>
+
+namespace plyra {
+
+class InspectableWindow;
+class Inspector;
+class InspectorPanel;
+
+/// The one inspector panel of the application: it follows the selection of the document
+/// window in front and shows the view of the first registered inspector that accepts it,
+/// or the empty-selection view when nothing is selected. It refreshes 0.01 s after the
+/// last of a burst of selection, object and main-window changes, and does nothing while
+/// hidden. Views not shown stay alive, parked, and keep their state.
+/// Threads: main thread only.
+class InspectorController : public QObject {
+    Q_OBJECT
+
+public:
+    /// Also becomes the shared controller when none is recorded yet.
+    explicit InspectorController(QObject* parent = nullptr);
+    ~InspectorController() override;
+
+    /// The application's controller, made on first use and deleted when the application
+    /// is about to quit.
+    static InspectorController* sharedInspectorController();
+
+    /// Appends an inspector (not owned); asked in registration order, the first that
+    /// accepts the selection wins, so registering one twice is harmless. Its help
+    /// requests are passed on through helpRequested().
+    void registerInspector(Inspector* inspector);
+
+    InspectorPanel* panel() const { return m_panel.get(); }
+    bool isPanelVisible() const;
+    /// Centres the panel on the screen when it is hidden, shows it and refreshes at once.
+    void showPanel();
+    void hidePanel();
+    void togglePanel();
+
+    /// The view the panel shows now.
+    QWidget* shownView() const;
+    QWidget* emptySelectionView() const { return m_emptySelectionView; }
+    /// The document window whose selection the panel shows: the last normal window that
+    /// became active, if it (or a parent of it) is an InspectableWindow; null otherwise.
+    QWidget* mainDocumentWindow() const { return m_mainWindow; }
+
+public slots:
+    /// Refreshes 0.01 s from now, unless another request comes first.
+    void delayedRevert();
+    /// Chooses the inspector for the current selection and refreshes it.
+    void revert();
+
+signals:
+    void panelVisibilityChanged(bool visible);
+    void helpRequested(const QString& page);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void observeNotifications();
+    void windowActivated(QWidget* window);
+    void setMainWindow(QWidget* window);
+    void showContentView(QWidget* view);
+    void centrePanel();
+
+    std::unique_ptr<InspectorPanel> m_panel;
+    QPointer<QWidget> m_emptySelectionView;
+    // Parking place for views that are not shown; never shown itself.
+    std::unique_ptr<QWidget> m_offWin;
+    QList<QPointer<Inspector>> m_inspectors;
+    QPointer<QWidget> m_mainWindow;
+    QMetaObject::Connection m_mainWindowDestroyed;
+    QTimer m_revertTimer;
+};
+
+} // namespace plyra

@@ -1,0 +1,185 @@
+// SPDX-License-Identifier: MIT
+#include "inspector_test_support.h"
+
+#include "inspector/inspector_controller.h"
+#include "inspector/inspector_panel.h"
+#include "inspector/line_timing_view.h"
+#include "inspector/morph_line_inspector.h"
+#include "inspector/time_field.h"
+#include "platform/log.h"
+#include "platform/notification_center.h"
+
+#include <QDialog>
+#include <QSignalSpy>
+#include <QTest>
+#include <QToolButton>
+
+using namespace plyra;
+using namespace plyra::test;
+
+class InspectorControllerTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { setUpInspectorTests(); }
+
+    void showsTimingViewForLinesAndEmptyViewForNone()
+    {
+        FakeDocumentWindow window;
+        const auto lines = window.addChain(2, 0.5f);
+        window.activate();
+        InspectorController controller;
+        MorphLineInspector inspector;
+        controller.registerInspector(&inspector);
+        controller.showPanel();
+        QCOMPARE(controller.mainDocumentWindow(), &window);
+        QCOMPARE(controller.shownView(), controller.emptySelectionView());
+
+        window.select({lines[1]});
+        QCOMPARE(controller.shownView(), inspector.view());
+        QVERIFY(inspector.view()->isVisible());
+
+        // The parked view keeps its state: what was typed but not committed is still there.
+        inspector.timingView()->field(TimingCell::StartStop)->setText(QStringLiteral("0.42"));
+        window.select({});
+        QCOMPARE(controller.shownView(), controller.emptySelectionView());
+        QVERIFY(inspector.view() && !inspector.view()->isVisible());
+        QVERIFY(inspector.view()->parentWidget() != controller.panel());
+
+        window.select({lines[0]});
+        QCOMPARE(controller.shownView(), inspector.view());
+        QCOMPARE(inspector.timingView()->field(TimingCell::StartBegin)->text(), QStringLiteral("0"));
+    }
+
+    void burstOfNotificationsRefreshesOnce()
+    {
+        FakeDocumentWindow window;
+        const auto lines = window.addChain(1, 0.5f);
+        window.activate();
+        InspectorController controller;
+        CountingInspector counting;
+        controller.registerInspector(&counting);
+        controller.registerInspector(&counting);
+        controller.showPanel();
+        window.select(lines);
+        QCOMPARE(controller.shownView(), counting.view());
+
+        counting.reverts = 0;
+        counting.clock.start();
+        qint64 lastPost = 0;
+        const char* names[] = {kSelectionUpdatedNotification, kObjectsUpdatedNotification, kFrameTimeUpdatedNotification};
+        for (int i = 0; i < 10; ++i) {
+            NotificationCenter::defaultCenter().post({names[i % 3], &window});
+            lastPost = counting.clock.elapsed();
+            QTest::qWait(2);
+        }
+        QTest::qWait(150);
+        QCOMPARE(counting.reverts, 1);
+        QVERIFY2(counting.lastRevertMs - lastPost >= 10, qPrintable(QString::number(counting.lastRevertMs - lastPost)));
+    }
+
+    void hiddenPanelWaitsUntilShown()
+    {
+        FakeDocumentWindow window;
+        const auto lines = window.addChain(1, 0.5f);
+        window.activate();
+        InspectorController controller;
+        CountingInspector counting;
+        controller.registerInspector(&counting);
+        QSignalSpy visibility(&controller, &InspectorController::panelVisibilityChanged);
+
+        window.select(lines);
+        QTest::qWait(50);
+        QCOMPARE(counting.reverts, 0);
+        QCOMPARE(controller.shownView(), controller.emptySelectionView());
+        QVERIFY(!controller.isPanelVisible());
+
+        controller.togglePanel();
+        QCOMPARE(counting.reverts, 1);
+        QCOMPARE(controller.shownView(), counting.view());
+        QVERIFY(controller.isPanelVisible());
+        controller.togglePanel();
+        QVERIFY(!controller.isPanelVisible());
+        QCOMPARE(visibility.count(), 2);
+        QCOMPARE(visibility.at(0).at(0).toBool(), true);
+        QCOMPARE(visibility.at(1).at(0).toBool(), false);
+    }
+
+    void foreignObjectIsLoggedAndChangesNothing()
+    {
+        FakeDocumentWindow window;
+        const auto lines = window.addChain(1, 0.5f);
+        window.activate();
+        InspectorController controller;
+        MorphLineInspector inspector;
+        controller.registerInspector(&inspector);
+        controller.showPanel();
+        window.select(lines);
+        QCOMPARE(controller.shownView(), inspector.view());
+
+        LogCapture log;
+        window.setForeignSelectionItem(QStringLiteral("a stray object"));
+        controller.revert();
+        QCOMPARE(controller.shownView(), inspector.view());
+        QCOMPARE(log.lines().size(), size_t(1));
+        const std::string line = log.lines().front();
+        QVERIFY2(line.starts_with("Unknown selection:(\n    "), line.c_str());
+        QVERIFY(line.find("startPointBeginMoveTime") != std::string::npos);
+        QVERIFY(line.ends_with(",\n    a stray object\n)"));
+    }
+
+    void followsTheDocumentWindowInFront()
+    {
+        FakeDocumentWindow first;
+        FakeDocumentWindow second;
+        const auto a = first.addChain(1, 0.5f);
+        const auto b = second.addChain(1, 0.5f);
+        a[0]->setStartPointBeginMoveTime(0.25f, nullptr);
+        b[0]->setStartPointBeginMoveTime(0.75f, nullptr);
+        first.select(a);
+        second.select(b);
+        InspectorController controller;
+        MorphLineInspector inspector;
+        controller.registerInspector(&inspector);
+        first.activate();
+        controller.showPanel();
+        const TimeField* field = inspector.timingView()->field(TimingCell::StartBegin);
+        QCOMPARE(field->value(), 0.25f);
+
+        second.activate();
+        QTRY_COMPARE(field->value(), 0.75f);
+        QCOMPARE(controller.mainDocumentWindow(), &second);
+
+        // Neither the panel nor a dialog becomes the main window.
+        controller.panel()->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(controller.panel()));
+        QDialog dialog(&first);
+        dialog.show();
+        dialog.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&dialog));
+        settle();
+        QCOMPARE(controller.mainDocumentWindow(), &second);
+        QCOMPARE(field->value(), 0.75f);
+        dialog.hide();
+
+        first.activate();
+        QTRY_COMPARE(field->value(), 0.25f);
+        // The window in front goes away: nothing is selected any more.
+        first.hide();
+        QTRY_COMPARE(controller.shownView(), controller.emptySelectionView());
+    }
+
+    void helpRequestsArePassedOn()
+    {
+        InspectorController controller;
+        MorphLineInspector inspector;
+        controller.registerInspector(&inspector);
+        QSignalSpy help(&controller, &InspectorController::helpRequested);
+        QTest::mouseClick(inspector.timingView()->helpButton(), Qt::LeftButton);
+        QCOMPARE(help.count(), 1);
+        QCOMPARE(help.at(0).at(0).toString(), QStringLiteral("timing"));
+    }
+};
+
+QTEST_MAIN(InspectorControllerTest)
+#include "inspector_controller_test.moc"

@@ -177,6 +177,8 @@ void InspectorController::showContentView(QWidget* view)
         return;
     if (QWidget* previous = m_panel->replaceContentView(view))
         previous->setParent(m_offWin.get());
+    // Grow to what the new view would like; the panel never shrinks under the user.
+    m_panel->resize(m_panel->size().expandedTo(m_panel->sizeHint()));
 }
 
 bool InspectorController::eventFilter(QObject* watched, QEvent* event)

@@ -7,7 +7,7 @@
 #include <QEvent>
 #include <QGridLayout>
 #include <QLabel>
-#include <QStyle>
+#include <QIcon>
 #include <QToolButton>
 
 namespace plyra {
@@ -24,7 +24,8 @@ LineTimingView::LineTimingView(QWidget* parent)
         label = new QLabel(this);
     for (QLabel*& label : m_columnLabels)
         label = new QLabel(this);
-    m_helpButton->setIcon(style()->standardIcon(QStyle::SP_DialogHelpButton));
+    // The desktop's help icon when its theme has one; the text alone otherwise.
+    m_helpButton->setIcon(QIcon::fromTheme(QStringLiteral("help-contents")));
     m_helpButton->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     buildLayout();
     retranslate();

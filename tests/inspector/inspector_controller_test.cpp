@@ -14,6 +14,8 @@
 #include <QTest>
 #include <QToolButton>
 
+#include <algorithm>
+
 using namespace plyra;
 using namespace plyra::test;
 
@@ -67,13 +69,19 @@ private slots:
         counting.reverts = 0;
         counting.clock.start();
         qint64 lastPost = 0;
+        qint64 longestGap = 0;
         const char* names[] = {kSelectionUpdatedNotification, kObjectsUpdatedNotification, kFrameTimeUpdatedNotification};
         for (int i = 0; i < 10; ++i) {
+            const qint64 now = counting.clock.elapsed();
+            longestGap = std::max(longestGap, i == 0 ? 0 : now - lastPost);
             NotificationCenter::defaultCenter().post({names[i % 3], &window});
             lastPost = counting.clock.elapsed();
             QTest::qWait(2);
         }
         QTest::qWait(150);
+        // The refresh may only come between two notifications 10 ms apart.
+        if (longestGap >= 10)
+            QSKIP("the machine was too busy to post ten notifications within a few milliseconds");
         QCOMPARE(counting.reverts, 1);
         QVERIFY2(counting.lastRevertMs - lastPost >= 10, qPrintable(QString::number(counting.lastRevertMs - lastPost)));
     }

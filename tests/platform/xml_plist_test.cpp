@@ -216,10 +216,10 @@ TEST(XmlPropertyListFile, ReplacesAnExistingFileReadablyOrNamesTheFileAndReason)
     EXPECT_FALSE(writeXmlPropertyListFile(PropertyList("x"), path("no/such/folder/info.plist"), &error));
     EXPECT_EQ(error.rfind("cannot write " + path("no/such/folder/info.plist") + ": ", 0), 0u) << error;
     EXPECT_FALSE(readPropertyListFile(path("absent.plist"), &error));
-    EXPECT_EQ(error, "cannot open " + path("absent.plist") + ": No such file or directory");
+    EXPECT_EQ(error, "cannot read " + path("absent.plist") + ": no such file");
     std::ofstream(path("empty.plist")).close();
     EXPECT_FALSE(readPropertyListFile(path("empty.plist"), &error));
-    EXPECT_EQ(error, path("empty.plist") + ": the property list is empty");
+    EXPECT_EQ(error, "cannot read " + path("empty.plist") + ": the file is empty");
     EXPECT_FALSE(readPropertyListFile(dir.string(), &error));
     EXPECT_NE(error.find(dir.string()), std::string::npos) << error;
     fs::remove_all(dir);

@@ -3,6 +3,8 @@
 
 #include "platform/log.h"
 #include "platform/movie/movie_codec_internal.h"
+#include "platform/output_path_guard.h"
+#include "platform/side_file.h"
 
 extern "C" {
 #include <libavformat/avformat.h>
@@ -32,47 +34,6 @@ MovieStatus ffmpegFailure(const char* what, const std::string& path, int error)
                                                     ffmpegErrorText(error).c_str()));
 }
 
-/// The file being written beside the target; removed unless it was renamed into place.
-/// Threads: the writing thread.
-class SideFile {
-public:
-    explicit SideFile(const std::string& target)
-    {
-        const size_t slash = target.find_last_of('/');
-        const std::string directory = slash == std::string::npos ? std::string(".") : target.substr(0, slash);
-        const std::string name = slash == std::string::npos ? target : target.substr(slash + 1);
-        std::string pattern = directory + "/." + name + ".XXXXXX";
-        std::vector<char> buffer(pattern.begin(), pattern.end());
-        buffer.push_back('\0');
-        const int fd = ::mkstemp(buffer.data());
-        if (fd >= 0) {
-            // mkstemp makes the file private; a saved movie is an ordinary document.
-            ::fchmod(fd, 0644);
-            ::close(fd);
-            m_path = buffer.data();
-        }
-    }
-    ~SideFile()
-    {
-        if (!m_path.empty())
-            ::unlink(m_path.c_str());
-    }
-    SideFile(const SideFile&) = delete;
-    SideFile& operator=(const SideFile&) = delete;
-
-    const std::string& path() const { return m_path; }
-    bool commit(const std::string& target)
-    {
-        if (std::rename(m_path.c_str(), target.c_str()) != 0)
-            return false;
-        m_path.clear();
-        return true;
-    }
-
-private:
-    std::string m_path;
-};
-
 /// The muxer of one output file.
 /// Threads: the writing thread.
 class MovieMuxer {
@@ -84,13 +45,15 @@ public:
         avformat_free_context(m_context);
     }
 
-    MovieStatus open(const std::string& path)
+    /// Writes to path; messages name shownPath, the file the user asked for.
+    MovieStatus open(const std::string& path, const std::string& shownPath)
     {
         m_path = path;
+        m_shownPath = shownPath;
         initializeFfmpegLogging();
         const int made = avformat_alloc_output_context2(&m_context, nullptr, "mov", path.c_str());
         if (made < 0 || !m_context)
-            return ffmpegFailure("set up the movie file", path, made < 0 ? made : AVERROR(ENOMEM));
+            return ffmpegFailure("set up the movie file", m_shownPath, made < 0 ? made : AVERROR(ENOMEM));
         return MovieStatus::success();
     }
 
@@ -107,7 +70,7 @@ public:
     {
         const int opened = avio_open(&m_context->pb, m_path.c_str(), AVIO_FLAG_WRITE);
         if (opened < 0)
-            return ffmpegFailure("create", m_path, opened);
+            return ffmpegFailure("create", m_shownPath, opened);
         AVDictionary* options = nullptr;
         if (fastStart)
             av_dict_set(&options, "movflags", "+faststart", 0);
@@ -117,7 +80,7 @@ public:
         const int written = avformat_write_header(m_context, &options);
         av_dict_free(&options);
         if (written < 0)
-            return ffmpegFailure("start writing", m_path, written);
+            return ffmpegFailure("start writing", m_shownPath, written);
         return MovieStatus::success();
     }
 
@@ -143,7 +106,7 @@ public:
         av_packet_free(&packet);
         ++output.next;
         if (written < 0)
-            return ffmpegFailure("write a frame to", m_path, written);
+            return ffmpegFailure("write a frame to", m_shownPath, written);
         return MovieStatus::success();
     }
 
@@ -152,15 +115,16 @@ public:
         const int ended = av_write_trailer(m_context);
         const int closed = avio_closep(&m_context->pb);
         if (ended < 0)
-            return ffmpegFailure("finish", m_path, ended);
+            return ffmpegFailure("finish", m_shownPath, ended);
         if (closed < 0)
-            return ffmpegFailure("close", m_path, closed);
+            return ffmpegFailure("close", m_shownPath, closed);
         return MovieStatus::success();
     }
 
 private:
     AVFormatContext* m_context = nullptr;
     std::string m_path;
+    std::string m_shownPath;
 };
 
 std::vector<TrackOutput> tracksToWrite(const Movie& movie)
@@ -205,10 +169,11 @@ TrackOutput* nextInTime(std::vector<TrackOutput>& outputs)
     return earliest;
 }
 
-MovieStatus muxInto(const std::string& path, std::vector<TrackOutput>& outputs, bool fastStart)
+MovieStatus muxInto(const std::string& path, const std::string& shownPath, std::vector<TrackOutput>& outputs,
+                    bool fastStart)
 {
     MovieMuxer muxer;
-    MovieStatus status = muxer.open(path);
+    MovieStatus status = muxer.open(path, shownPath);
     for (TrackOutput& output : outputs) {
         if (!status.ok())
             return status;
@@ -235,14 +200,19 @@ MovieStatus writeMovieFile(const Movie& movie, const std::string& path, bool fas
     if (outputs.empty())
         return MovieStatus::failure(kMovieInvalidMedia,
                                     formatString("Could not write \"%s\": the movie has no frames", path.c_str()));
-    SideFile side(path);
+    // Only a regular file or a new name is replaced; a link to a file keeps being a link.
+    std::string refusal;
+    const std::optional<std::string> target = OutputPathGuard().check(path, &refusal);
+    if (!target)
+        return MovieStatus::failure(kMovieFileError, formatString("Could not write \"%s\": %s", path.c_str(), refusal.c_str()));
+    SideFile side(*target);
     if (side.path().empty())
         return MovieStatus::failure(kMovieFileError, formatString(
             "Could not write beside \"%s\": %s", path.c_str(), std::strerror(errno)));
-    MovieStatus status = muxInto(side.path(), outputs, fastStart);
+    MovieStatus status = muxInto(side.path(), path, outputs, fastStart);
     if (!status.ok())
         return status;
-    if (!side.commit(path))
+    if (!side.commit(*target))
         return MovieStatus::failure(kMovieFileError, formatString(
             "Could not move the finished movie to \"%s\": %s", path.c_str(), std::strerror(errno)));
     return MovieStatus::success();

@@ -26,8 +26,9 @@ void report(MovieStatus* status, MovieStatus value)
 
 } // namespace
 
-MovieSampleStore::MovieSampleStore(int fd, bool writable, int64_t size)
+MovieSampleStore::MovieSampleStore(int fd, bool writable, int64_t size, std::string path)
     : m_fd(fd)
+    , m_path(std::move(path))
     , m_writable(writable)
     , m_size(size)
 {
@@ -47,7 +48,7 @@ std::shared_ptr<MovieSampleStore> MovieSampleStore::createFile(const std::string
         return nullptr;
     }
     report(status, MovieStatus::success());
-    return std::shared_ptr<MovieSampleStore>(new MovieSampleStore(fd, true, 0));
+    return std::shared_ptr<MovieSampleStore>(new MovieSampleStore(fd, true, 0, path));
 }
 
 std::shared_ptr<MovieSampleStore> MovieSampleStore::openFile(const std::string& path, MovieStatus* status)
@@ -61,7 +62,7 @@ std::shared_ptr<MovieSampleStore> MovieSampleStore::openFile(const std::string& 
         return nullptr;
     }
     report(status, MovieStatus::success());
-    return std::shared_ptr<MovieSampleStore>(new MovieSampleStore(fd, false, info.st_size));
+    return std::shared_ptr<MovieSampleStore>(new MovieSampleStore(fd, false, info.st_size, path));
 }
 
 std::shared_ptr<MovieSampleStore> MovieSampleStore::createMemory()
@@ -93,7 +94,7 @@ int64_t MovieSampleStore::append(const uint8_t* data, size_t size, MovieStatus* 
                 continue;
             if (n <= 0) {
                 report(status, MovieStatus::failure(kMovieFileError, formatString(
-                    "Could not append to the movie storage: %s", std::strerror(n < 0 ? errno : ENOSPC))));
+                    "Could not write to the movie storage \"%s\": %s", m_path.c_str(), std::strerror(n < 0 ? errno : ENOSPC))));
                 return -1;
             }
             written += static_cast<size_t>(n);

@@ -36,10 +36,11 @@ public:
     int64_t size() const;
 
 private:
-    MovieSampleStore(int fd, bool writable, int64_t size);
+    MovieSampleStore(int fd, bool writable, int64_t size, std::string path = {});
 
     mutable std::mutex m_mutex;
     int m_fd;
+    std::string m_path;
     bool m_writable;
     int64_t m_size;
     std::vector<uint8_t> m_memory;

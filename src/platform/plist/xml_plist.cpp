@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "platform/plist/xml_plist.h"
 
+#include "platform/atomic_file_writer.h"
 #include "platform/log.h"
 #include "platform/plist/binary_plist_internal.h"
 #include "platform/plist/openstep_plist.h"
+#include "platform/regular_file.h"
 
 #include <plist/plist.h>
 
@@ -14,6 +16,7 @@
 #include <cstring>
 #include <limits>
 #include <memory>
+#include <new>
 #include <string_view>
 
 #include <sys/stat.h>
@@ -296,41 +299,6 @@ std::optional<PropertyList> parseXml(std::string_view xml, std::string* error)
     return PlistImporter().import(raw, error);
 }
 
-std::optional<std::vector<std::uint8_t>> readWholeFile(const std::string& path, std::string* error)
-{
-    std::FILE* file = std::fopen(path.c_str(), "rb");
-    if (!file) {
-        setError(error, "cannot open " + path + ": " + std::strerror(errno));
-        return std::nullopt;
-    }
-    std::vector<std::uint8_t> bytes;
-    std::uint8_t buffer[65536];
-    std::size_t count = 0;
-    while ((count = std::fread(buffer, 1, sizeof buffer, file)) > 0)
-        bytes.insert(bytes.end(), buffer, buffer + count);
-    const bool failed = std::ferror(file) != 0;
-    const int readErrno = errno;
-    std::fclose(file);
-    if (failed) {
-        setError(error, "cannot read " + path + ": " + std::strerror(readErrno));
-        return std::nullopt;
-    }
-    return bytes;
-}
-
-bool writeAll(int fd, std::string_view bytes)
-{
-    while (!bytes.empty()) {
-        const ssize_t written = ::write(fd, bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0)
-            return false;
-        bytes.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return true;
-}
-
 } // namespace
 
 std::optional<PropertyList> parsePropertyListData(const std::vector<std::uint8_t>& bytes, std::string* error)
@@ -344,22 +312,30 @@ std::optional<PropertyList> parsePropertyListData(const std::vector<std::uint8_t
         setError(error, "the property list is too large");
         return std::nullopt;
     }
-    switch (detectForm(view)) {
-    case Form::Binary:
-        return parseBinaryPropertyList(view, error);
-    case Form::Xml:
-        return parseXml(view, error);
-    case Form::Text:
-        break;
+    try {
+        switch (detectForm(view)) {
+        case Form::Binary:
+            return parseBinaryPropertyList(view, error);
+        case Form::Xml:
+            return parseXml(view, error);
+        case Form::Text:
+            break;
+        }
+        return parseOpenStepPropertyList(view, error);
+    } catch (const std::bad_alloc&) {
+        setError(error, "there is not enough memory to read the property list");
+        return std::nullopt;
     }
-    return parseOpenStepPropertyList(view, error);
 }
 
 std::optional<PropertyList> readPropertyListFile(const std::string& path, std::string* error)
 {
-    const auto bytes = readWholeFile(path, error);
-    if (!bytes)
+    FileReadError failure;
+    const auto bytes = RegularFile::read(path, kMaxPropertyListFileBytes, &failure);
+    if (!bytes) {
+        setError(error, "cannot read " + path + ": " + failure.reason);
         return std::nullopt;
+    }
     std::string reason;
     auto value = parsePropertyListData(*bytes, &reason);
     if (!value)
@@ -383,24 +359,9 @@ bool writeXmlPropertyListFile(const PropertyList& value, const std::string& path
     const std::string xml = writeXmlPropertyList(value);
     if (xml.empty())
         return setError(error, "cannot write " + path + ": the value has no XML form");
-    // Written beside the target and renamed over it, so a failed write leaves the old file.
-    std::string temporary = path + ".XXXXXX";
-    const int fd = ::mkstemp(temporary.data());
-    if (fd < 0)
-        return setError(error, "cannot write " + path + ": " + std::strerror(errno));
-    // mkstemp makes the file private; a property list is an ordinary document file.
-    const bool written = ::fchmod(fd, 0644) == 0 && writeAll(fd, xml);
-    const int writeErrno = errno;
-    const bool closed = ::close(fd) == 0;
-    if (!written || !closed) {
-        ::unlink(temporary.c_str());
-        return setError(error, "cannot write " + path + ": " + std::strerror(written ? errno : writeErrno));
-    }
-    if (std::rename(temporary.c_str(), path.c_str()) != 0) {
-        const int renameErrno = errno;
-        ::unlink(temporary.c_str());
-        return setError(error, "cannot write " + path + ": " + std::strerror(renameErrno));
-    }
+    std::string reason;
+    if (!AtomicFileWriter::write(path, xml.data(), xml.size(), &reason))
+        return setError(error, "cannot write " + path + ": " + reason);
     return true;
 }
 

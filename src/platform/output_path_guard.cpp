@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: MIT
+#include "platform/output_path_guard.h"
+
+#include "platform/file_kind_internal.h"
+#include "platform/log.h"
+
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace plyra {
+namespace {
+
+std::optional<std::string> refuse(std::string* error, std::string reason)
+{
+    if (error)
+        *error = std::move(reason);
+    return std::nullopt;
+}
+
+std::optional<std::string> canonicalPath(const std::string& path)
+{
+    char* resolved = ::realpath(path.c_str(), nullptr);
+    if (!resolved)
+        return std::nullopt;
+    std::string result(resolved);
+    std::free(resolved);
+    return result;
+}
+
+std::string parentOf(const std::string& path)
+{
+    const std::size_t slash = path.find_last_of('/');
+    if (slash == std::string::npos)
+        return ".";
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+std::string nameOf(const std::string& path)
+{
+    const std::size_t slash = path.find_last_of('/');
+    return slash == std::string::npos ? path : path.substr(slash + 1);
+}
+
+bool isInside(const std::string& path, const std::string& folder)
+{
+    if (folder == "/")
+        return true;
+    return path.size() > folder.size() && path.compare(0, folder.size(), folder) == 0 && path[folder.size()] == '/';
+}
+
+// The existing entry at the path, when there is one, is what a write would replace;
+// target becomes the file to write (a symbolic link's regular file).
+bool checkExistingEntry(const std::string& path, std::string& target, std::string* error)
+{
+    target = path;
+    struct stat entry {};
+    if (::lstat(path.c_str(), &entry) != 0) {
+        if (errno == ENOENT)
+            return true;
+        return refuse(error, std::strerror(errno)).has_value();
+    }
+    if (S_ISLNK(entry.st_mode)) {
+        struct stat pointee {};
+        const std::optional<std::string> resolved = canonicalPath(path);
+        if (!resolved || ::stat(path.c_str(), &pointee) != 0)
+            return refuse(error, "it is a symbolic link that leads nowhere").has_value();
+        if (!S_ISREG(pointee.st_mode))
+            return refuse(error, formatString("it is a symbolic link to '%s', which is %s, not a regular file",
+                                              resolved->c_str(), fileKindName(pointee.st_mode)))
+                .has_value();
+        target = *resolved;
+        return true;
+    }
+    if (S_ISDIR(entry.st_mode))
+        return refuse(error, "it is a folder").has_value();
+    if (!S_ISREG(entry.st_mode))
+        return refuse(error, formatString("it is %s, not a regular file", fileKindName(entry.st_mode))).has_value();
+    return true;
+}
+
+} // namespace
+
+void OutputPathGuard::protect(const std::string& path)
+{
+    struct stat info {};
+    const std::optional<std::string> canonical = canonicalPath(path);
+    if (!canonical || ::stat(canonical->c_str(), &info) != 0)
+        return;
+    m_protected.push_back({*canonical, info.st_dev, info.st_ino, S_ISDIR(info.st_mode)});
+}
+
+std::optional<std::string> OutputPathGuard::protectedReason(const std::string& canonical) const
+{
+    struct stat existing {};
+    const bool exists = ::stat(canonical.c_str(), &existing) == 0;
+    for (const Protected& entry : m_protected) {
+        if (entry.folder && (canonical == entry.canonical || isInside(canonical, entry.canonical)))
+            return formatString("it lies inside '%s', the document being read", entry.canonical.c_str());
+        if (!entry.folder
+            && (canonical == entry.canonical || (exists && existing.st_dev == entry.device && existing.st_ino == entry.inode)))
+            return formatString("it is '%s', a file the document reads", entry.canonical.c_str());
+    }
+    return std::nullopt;
+}
+
+std::optional<std::string> OutputPathGuard::check(const std::string& path, std::string* error) const
+{
+    if (path.empty())
+        return refuse(error, "no file name was given");
+    const std::string name = nameOf(path);
+    if (name.empty() || name == "." || name == "..")
+        return refuse(error, "it names a folder, not a file");
+    std::string target;
+    if (!checkExistingEntry(path, target, error))
+        return std::nullopt;
+    const std::string folder = parentOf(target);
+    struct stat info {};
+    if (::stat(folder.c_str(), &info) != 0)
+        return refuse(error, errno == ENOENT ? formatString("the folder '%s' does not exist", folder.c_str())
+                                             : formatString("the folder '%s' cannot be used: %s", folder.c_str(), std::strerror(errno)));
+    if (!S_ISDIR(info.st_mode))
+        return refuse(error, formatString("'%s' is not a folder", folder.c_str()));
+    if (::access(folder.c_str(), W_OK | X_OK) != 0)
+        return refuse(error, formatString("the folder '%s' is not writable (%s)", folder.c_str(), std::strerror(errno)));
+    const std::optional<std::string> canonicalFolder = canonicalPath(folder);
+    if (!canonicalFolder)
+        return refuse(error, formatString("the folder '%s' cannot be used: %s", folder.c_str(), std::strerror(errno)));
+    const std::string canonical = (*canonicalFolder == "/" ? std::string() : *canonicalFolder) + "/" + nameOf(target);
+    if (std::optional<std::string> reason = protectedReason(canonical))
+        return refuse(error, std::move(*reason));
+    return target;
+}
+
+} // namespace plyra

@@ -1,70 +1,145 @@
 // SPDX-License-Identifier: MIT
 #include "model/display_image.h"
 
+#include "model/image_limits.h"
 #include "model/pdf_image.h"
 #include "model/tiff_io.h"
+#include "platform/stop_request.h"
 
 #include <QCoreApplication>
 #include <QFile>
 #include <QImageReader>
+
+#include <mutex>
+#include <new>
+#include <unistd.h>
 
 namespace plyra {
 namespace {
 
 constexpr qint64 kSignatureBytes = 1024;
 
-std::optional<DisplayImage> fail(QString* error, const QString& message)
+QString text(const char* source)
 {
-    if (error)
-        *error = message;
+    return QCoreApplication::translate("DisplayImage", source);
+}
+
+std::optional<DisplayImage> fail(ImageLoadFailure* failure, FileProblem problem, const QString& reason)
+{
+    if (failure)
+        *failure = {problem, reason};
     return std::nullopt;
 }
 
-std::optional<DisplayImage> loadPdf(QFile& file, QString* error)
+std::optional<DisplayImage> failWith(ImageLoadFailure* failure, const FileReadError& error)
 {
-    const QByteArray bytes = file.readAll();
-    std::optional<QImage> raster = PdfImage::rasterize(bytes, error);
-    if (!raster)
-        return std::nullopt;
-    return DisplayImage{*raster, bytes};
+    return fail(failure, error.problem, QString::fromStdString(error.reason));
 }
 
-std::optional<DisplayImage> loadTiff(const QString& path, QString* error)
+std::optional<DisplayImage> interrupted(ImageLoadFailure* failure)
 {
-    std::optional<QImage> raster = TiffIo::read(path, error);
+    return fail(failure, FileProblem::Interrupted, text("reading the image was interrupted"));
+}
+
+QByteArray signature(const RegularFile& file)
+{
+    QByteArray head(kSignatureBytes, '\0');
+    const ssize_t n = ::pread(file.descriptor(), head.data(), static_cast<std::size_t>(head.size()), 0);
+    head.resize(n > 0 ? n : 0);
+    return head;
+}
+
+std::optional<DisplayImage> loadPdf(RegularFile& file, ImageLoadFailure* failure)
+{
+    if (file.size() > kMaxPdfFileBytes)
+        return fail(failure, FileProblem::TooLarge,
+                    text("the PDF file is too large (%1 MB; PDF files may have at most %2 MB)")
+                        .arg(file.size() >> 20)
+                        .arg(kMaxPdfFileBytes >> 20));
+    std::vector<std::uint8_t> bytes;
+    FileReadError error;
+    if (!file.readRest(bytes, &error))
+        return failWith(failure, error);
+    const QByteArray data(reinterpret_cast<const char*>(bytes.data()), static_cast<qsizetype>(bytes.size()));
+    std::vector<std::uint8_t>().swap(bytes);
+    QString reason;
+    FileProblem problem = FileProblem::Damaged;
+    std::optional<QImage> raster = PdfImage::rasterize(data, &reason, &problem);
     if (!raster)
-        return std::nullopt;
+        return fail(failure, problem, reason);
+    return DisplayImage{*raster, data};
+}
+
+std::optional<DisplayImage> loadTiff(const QString& path, ImageLoadFailure* failure)
+{
+    QString reason;
+    FileProblem problem = FileProblem::Damaged;
+    std::optional<QImage> raster = TiffIo::read(path, &reason, &problem);
+    if (!raster)
+        return fail(failure, problem, reason);
     return DisplayImage{*raster, {}};
 }
 
-std::optional<DisplayImage> loadWithReader(QFile& file, QString* error)
+// Images bigger than this are refused by QImageReader itself as well: a backstop for
+// formats that do not state their size before decoding. Room for 8 bytes per pixel.
+void limitReaderAllocations()
 {
-    QImageReader reader(&file);
+    static std::once_flag once;
+    std::call_once(once, [] { QImageReader::setAllocationLimit(static_cast<int>((kMaxImagePixels * 8) >> 20)); });
+}
+
+std::optional<DisplayImage> loadWithReader(RegularFile& file, ImageLoadFailure* failure)
+{
+    limitReaderAllocations();
+    QFile device;
+    if (!device.open(file.release(), QIODevice::ReadOnly, QFileDevice::AutoCloseHandle))
+        return fail(failure, FileProblem::Unreadable, device.errorString());
+    QImageReader reader(&device);
     // Photographs carry their camera orientation; show them upright.
     reader.setAutoTransform(true);
+    const QSize stated = reader.size();
+    if (stated.isValid() && !imageSizeAllowed(stated.width(), stated.height()))
+        return fail(failure, FileProblem::TooLarge, tooManyPixelsReason(stated.width(), stated.height()));
+    if (StopRequest::isRequested())
+        return interrupted(failure);
     QImage raster = reader.read();
-    if (raster.isNull())
-        return fail(error, reader.errorString());
+    if (raster.isNull()) {
+        if (reader.error() == QImageReader::UnsupportedFormatError)
+            return fail(failure, FileProblem::Damaged, text("it is not an image in a format Plyra can read"));
+        return fail(failure, FileProblem::Damaged, reader.errorString());
+    }
+    if (StopRequest::isRequested())
+        return interrupted(failure);
     return DisplayImage{raster, {}};
+}
+
+std::optional<DisplayImage> loadChecked(const QString& path, ImageLoadFailure* failure)
+{
+    FileReadError error;
+    std::optional<RegularFile> file = RegularFile::open(QFile::encodeName(path).toStdString(), kMaxImageFileBytes, &error);
+    if (!file)
+        return failWith(failure, error);
+    const QByteArray head = signature(*file);
+    if (head.isEmpty())
+        return fail(failure, FileProblem::Unreadable, text("the file cannot be read"));
+    if (PdfImage::hasPdfSignature(head))
+        return loadPdf(*file, failure);
+    if (TiffIo::hasTiffSignature(head)) {
+        file.reset();
+        return loadTiff(path, failure);
+    }
+    return loadWithReader(*file, failure);
 }
 
 } // namespace
 
-std::optional<DisplayImage> DisplayImage::load(const QString& path, QString* error)
+std::optional<DisplayImage> DisplayImage::load(const QString& path, ImageLoadFailure* failure)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return fail(error, file.errorString());
-    const QByteArray head = file.peek(kSignatureBytes);
-    if (head.isEmpty())
-        return fail(error, QCoreApplication::translate("DisplayImage", "The file is empty or cannot be read."));
-    if (PdfImage::hasPdfSignature(head))
-        return loadPdf(file, error);
-    if (TiffIo::hasTiffSignature(head)) {
-        file.close();
-        return loadTiff(path, error);
+    try {
+        return loadChecked(path, failure);
+    } catch (const std::bad_alloc&) {
+        return fail(failure, FileProblem::OutOfMemory, text("there is not enough memory to read the image"));
     }
-    return loadWithReader(file, error);
 }
 
 } // namespace plyra

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "platform/regular_file.h"
+
 #include <QByteArray>
 #include <QImage>
 #include <QSizeF>
@@ -9,6 +11,14 @@
 #include <optional>
 
 namespace plyra {
+
+/// Why an image file gave no image: the kind of problem and a reason to show after the
+/// file's path ("the image is too large (60000 × 60000 pixels; ...)").
+/// Threads: a plain value.
+struct ImageLoadFailure {
+    FileProblem problem = FileProblem::None;
+    QString reason;
+};
 
 /// A track image as the editors draw it and the package stores it: the raster and, for
 /// an image read from a PDF file, that file's original bytes, which saving writes back.
@@ -22,9 +32,12 @@ struct DisplayImage {
     QSizeF size() const { return QSizeF(raster.size()); }
 
     /// Reads an image file: PDF through poppler (first page), TIFF through libtiff, and
-    /// every other format QImageReader knows (JPEG, PNG, WebP, BMP...). Nothing and a
-    /// reason in error when the file gives no image.
-    static std::optional<DisplayImage> load(const QString& path, QString* error = nullptr);
+    /// every other format QImageReader knows (JPEG, PNG, WebP, BMP...). Only regular files
+    /// within the size limits of image_limits.h are read, and images of more than
+    /// kMaxImagePixels are refused from the size their file states, before decoding.
+    /// Nothing, and why in failure, when the file gives no image; a stop request between
+    /// the stages of a large load gives FileProblem::Interrupted. Never throws.
+    static std::optional<DisplayImage> load(const QString& path, ImageLoadFailure* failure = nullptr);
 };
 
 } // namespace plyra

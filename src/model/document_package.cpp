@@ -236,8 +236,8 @@ bool DocumentPackage::read(MorphDocument& document, const QString& packagePath, 
     std::string reason;
     const std::optional<PropertyList> info = readPropertyListFile(localPath(infoPath), &reason);
     if (!info)
-        return fail(error, packageText("The document “%1” could not be read: “%2” is missing or damaged (%3).")
-                               .arg(packagePath, QLatin1String(kInfoFileName), QString::fromStdString(reason)));
+        return fail(error, packageText("The document “%1” could not be read: %2.")
+                               .arg(packagePath, QString::fromStdString(reason)));
     if (!info->isDictionary())
         return fail(error, packageText("The document “%1” could not be read: “%2” does not hold a dictionary.")
                                .arg(packagePath, QLatin1String(kInfoFileName)));

@@ -6,6 +6,7 @@
 #include "platform/qt/user_defaults.h"
 
 #include <QCoreApplication>
+#include <QFile>
 
 #include <algorithm>
 #include <cassert>
@@ -168,9 +169,13 @@ void MorphDocument::deselectLine(const MorphLine::Ptr& line)
 
 bool MorphDocument::setImageFromFile(const QString& path, unsigned track, QString* error)
 {
-    std::optional<DisplayImage> loaded = DisplayImage::load(path, error);
-    if (!loaded)
+    ImageLoadFailure failure;
+    std::optional<DisplayImage> loaded = DisplayImage::load(path, &failure);
+    if (!loaded) {
+        if (error)
+            *error = failure.reason;
         return false;
+    }
     setImageFromURL(path, track, std::move(loaded));
     return true;
 }
@@ -212,6 +217,11 @@ std::optional<DisplayImage> MorphDocument::imageInTrack(unsigned track) const
 Image MorphDocument::ciimageInTrack(unsigned track) const
 {
     return trackFor(track).renderImage();
+}
+
+std::optional<ImageLoadFailure> MorphDocument::imageFailureInTrack(unsigned track) const
+{
+    return trackFor(track).loadFailure();
 }
 
 float MorphDocument::aspectRatioInTrack(unsigned track) const
@@ -268,12 +278,29 @@ void MorphDocument::setCodecQuality(int quality)
 
 bool MorphDocument::readFromFile(const QString& path, QString* error)
 {
-    return DocumentPackage::read(*this, path, error);
+    if (!DocumentPackage::read(*this, path, error))
+        return false;
+    m_fileLocation = path;
+    return true;
 }
 
 bool MorphDocument::writeToFile(const QString& path, QString* error) const
 {
-    return DocumentPackage::write(*this, path, error);
+    if (!DocumentPackage::write(*this, path, error))
+        return false;
+    m_fileLocation = path;
+    return true;
+}
+
+OutputPathGuard MorphDocument::outputGuard() const
+{
+    OutputPathGuard guard;
+    if (!m_fileLocation.isEmpty())
+        guard.protect(QFile::encodeName(m_fileLocation).toStdString());
+    for (const TrackImage& track : m_tracks)
+        if (!track.location().isEmpty())
+            guard.protect(QFile::encodeName(track.location()).toStdString());
+    return guard;
 }
 
 // ---- undo and notifications ----------------------------------------------------------

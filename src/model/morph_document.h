@@ -6,6 +6,7 @@
 #include "model/morph_editor_data_source.h"
 #include "model/morph_line.h"
 #include "model/track_image.h"
+#include "platform/output_path_guard.h"
 #include "platform/undo_manager.h"
 
 #include <QSizeF>
@@ -72,6 +73,9 @@ public:
     /// The image the frame engine renders from (premultiplied RGBA bitmap, origin bottom
     /// left); a null Image (and a log line) when the file gives no image.
     Image ciimageInTrack(unsigned track) const;
+    /// Why the track's file gave no image at its last load; none when it loaded, was not
+    /// tried or the track has no file.
+    std::optional<ImageLoadFailure> imageFailureInTrack(unsigned track) const;
     /// Track 1 for the value 1, track 0 otherwise. A track without a ratio borrows the
     /// other track's; with neither it is 1.0.
     float aspectRatioInTrack(unsigned track) const;
@@ -102,6 +106,11 @@ public:
     /// Writes the document as a package directory, replacing what is at path only once
     /// the new package is complete. False, with a reason in error, when it could not.
     bool writeToFile(const QString& path, QString* error = nullptr) const;
+    /// The package the document was read from or last written to; empty for a new one.
+    const QString& fileLocation() const { return m_fileLocation; }
+    /// A guard for output files that refuses writing into the document's package or over
+    /// the image files it reads, besides anything that is not a regular file.
+    OutputPathGuard outputGuard() const;
 
 private:
     void setImageFromURL(const QString& path, unsigned track, std::optional<DisplayImage> preloaded);
@@ -121,6 +130,7 @@ private:
     QSizeF m_frameSize{0.0, 0.0};
     QString m_codecFormat;
     int m_codecQuality = 0;
+    mutable QString m_fileLocation;
 };
 
 } // namespace plyra

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "model/pdf_image.h"
 
+#include "model/image_limits.h"
+
 #include <QCoreApplication>
 #include <QStringList>
 
 #include <poppler-qt6.h>
 
+#include <cmath>
 #include <mutex>
 
 namespace plyra {
@@ -57,8 +60,10 @@ std::optional<QImage> fail(QString* error, const char* text, const PopplerMessag
 
 } // namespace
 
-std::optional<QImage> PdfImage::rasterize(const QByteArray& pdfData, QString* error)
+std::optional<QImage> PdfImage::rasterize(const QByteArray& pdfData, QString* error, FileProblem* problem)
 {
+    if (problem)
+        *problem = FileProblem::Damaged;
     PopplerMessages messages;
     std::unique_ptr<Poppler::Document> document = Poppler::Document::loadFromData(pdfData);
     if (!document)
@@ -70,10 +75,24 @@ std::optional<QImage> PdfImage::rasterize(const QByteArray& pdfData, QString* er
     std::unique_ptr<Poppler::Page> page = document->page(0);
     if (!page)
         return fail(error, "The first page of the PDF document could not be read.", messages);
+    // At 72 dpi a point is a pixel: the page's size is the raster's.
+    const QSizeF points = page->pageSizeF();
+    if (!imageSizeAllowed(points.width(), points.height())) {
+        if (points.width() >= 1.0 && points.height() >= 1.0) {
+            if (problem)
+                *problem = FileProblem::TooLarge;
+            if (error)
+                *error = tooLargePageReason(points.width(), points.height());
+            return std::nullopt;
+        }
+        return fail(error, "The first page of the PDF document has no size.", messages);
+    }
     document->setRenderHint(Poppler::Document::Antialiasing);
     document->setRenderHint(Poppler::Document::TextAntialiasing);
     QImage raster = page->renderToImage(kPointsPerInch, kPointsPerInch);
-    if (raster.isNull())
+    // Poppler gives a token image instead of nothing when it cannot draw the page whole.
+    if (raster.isNull() || std::abs(raster.width() - std::ceil(points.width())) > 1.0
+        || std::abs(raster.height() - std::ceil(points.height())) > 1.0)
         return fail(error, "The first page of the PDF document could not be drawn.", messages);
     return raster;
 }

@@ -86,6 +86,12 @@ bool StagedDirectory::commit(QString* error)
         return true;
     std::error_code code;
     const QFileInfo existing(m_finalPath);
+    // Only a previous package (or a plain file or link) is replaced: never a device,
+    // FIFO or socket, which moving aside and removing would take away from the system.
+    const fs::file_status status = fs::symlink_status(fsPath(m_finalPath), code);
+    if (!code && fs::exists(status) && !fs::is_directory(status) && !fs::is_regular_file(status) && !fs::is_symlink(status))
+        return fail(error, text("Could not save “%1”: it is not a folder or a regular file, and is left as it is.").arg(m_finalPath));
+    code.clear();
     QString aside;
     if (existing.exists() || existing.isSymLink()) {
         aside = asideName(m_finalPath);

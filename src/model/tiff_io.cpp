@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "model/tiff_io.h"
 
+#include "model/image_limits.h"
 #include "platform/log.h"
+#include "platform/stop_request.h"
 
 #include <QColorSpace>
 #include <QCoreApplication>
@@ -16,9 +18,6 @@
 
 namespace plyra {
 namespace {
-
-// Larger images than this (a gigabyte of RGBA) are refused rather than allocated.
-constexpr std::uint64_t kMaxPixels = std::uint64_t(1) << 28;
 
 QString tiffText(const char* text)
 {
@@ -63,6 +62,16 @@ using TiffFile = std::unique_ptr<TIFF, TiffCloser>;
 TiffFile openTiff(const QString& path, const char* mode, const TiffMessages& messages)
 {
     return TiffFile(TIFFOpenExt(QFile::encodeName(path).constData(), mode, messages.options()));
+}
+
+// libtiff takes the descriptor over and closes it with the file.
+TiffFile openTiffForReading(const QString& path, RegularFile& file, const TiffMessages& messages)
+{
+    const int fd = file.descriptor();
+    TiffFile tiff(TIFFFdOpenExt(fd, QFile::encodeName(path).constData(), "r", messages.options()));
+    if (tiff)
+        file.release();
+    return tiff;
 }
 
 bool fail(QString* error, const QString& message)
@@ -267,6 +276,9 @@ std::optional<QImage> readPlainRgb(TIFF* tiff, const TiffHeader& h)
             return std::nullopt;
         if (h.bitsPerSample == 16 && h.samples == 3)
             widenRgb16(line, h.width);
+        // A large image takes seconds; give up between rows when asked to stop.
+        if (y % 1024 == 1023 && StopRequest::isRequested())
+            return std::nullopt;
     }
     return image;
 }
@@ -315,28 +327,32 @@ bool TiffIo::write(const QImage& image, const QString& path, QString* error)
     return true;
 }
 
-std::optional<QImage> TiffIo::read(const QString& path, QString* error)
+std::optional<QImage> TiffIo::read(const QString& path, QString* error, FileProblem* problem)
 {
+    const auto refuse = [error, problem](FileProblem kind, const QString& reason) -> std::optional<QImage> {
+        if (problem)
+            *problem = kind;
+        fail(error, reason);
+        return std::nullopt;
+    };
+    FileReadError checked;
+    std::optional<RegularFile> file = RegularFile::open(QFile::encodeName(path).toStdString(), kMaxImageFileBytes, &checked);
+    if (!file)
+        return refuse(checked.problem, tiffText("Could not read “%1”: %2").arg(path, QString::fromStdString(checked.reason)));
     TiffMessages messages;
-    TiffFile tiff = openTiff(path, "r", messages);
-    if (!tiff) {
-        fail(error, describe(tiffText("“%1” is not a readable TIFF file."), path, messages));
-        return std::nullopt;
-    }
+    TiffFile tiff = openTiffForReading(path, *file, messages);
+    if (!tiff)
+        return refuse(FileProblem::Damaged, describe(tiffText("“%1” is not a readable TIFF file."), path, messages));
     TiffHeader header;
-    if (!readHeader(tiff.get(), header) || header.width == 0 || header.height == 0) {
-        fail(error, describe(tiffText("“%1” has no image size."), path, messages));
-        return std::nullopt;
-    }
-    if (std::uint64_t(header.width) * header.height > kMaxPixels || header.width > INT32_MAX / 4) {
-        fail(error, tiffText("“%1” is too large to load (%2 × %3 pixels).").arg(path).arg(header.width).arg(header.height));
-        return std::nullopt;
-    }
+    if (!readHeader(tiff.get(), header) || header.width == 0 || header.height == 0)
+        return refuse(FileProblem::Damaged, describe(tiffText("“%1” has no image size."), path, messages));
+    if (!imageSizeAllowed(header.width, header.height) || header.width > INT32_MAX / 4)
+        return refuse(FileProblem::TooLarge, tooManyPixelsReason(header.width, header.height));
     std::optional<QImage> image = isPlainRgb(header) ? readPlainRgb(tiff.get(), header) : readConverted(tiff.get(), header);
-    if (!image) {
-        fail(error, describe(tiffText("The pixels of “%1” could not be read."), path, messages));
-        return std::nullopt;
-    }
+    if (StopRequest::isRequested())
+        return refuse(FileProblem::Interrupted, tiffText("reading the image was interrupted"));
+    if (!image)
+        return refuse(FileProblem::Damaged, describe(tiffText("The pixels of “%1” could not be read."), path, messages));
     std::uint32_t profileSize = 0;
     const void* profile = nullptr;
     if (TIFFGetField(tiff.get(), TIFFTAG_ICCPROFILE, &profileSize, &profile) && profile && profileSize > 0)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "platform/regular_file.h"
+
 #include <QImage>
 #include <QString>
 
@@ -21,8 +23,11 @@ public:
     static bool write(const QImage& image, const QString& path, QString* error = nullptr);
     /// Reads the first directory of a TIFF file. 8-bit and 16-bit RGB and RGBA strips
     /// come back exactly as stored (16-bit ones as RGBX64 or RGBA64 images); any other
-    /// layout libtiff understands comes back converted to 8-bit premultiplied RGBA.
-    static std::optional<QImage> read(const QString& path, QString* error = nullptr);
+    /// layout libtiff understands comes back converted to 8-bit premultiplied RGBA. Only
+    /// a regular file is opened (see RegularFile); an image of more than kMaxImagePixels
+    /// is refused from its header, before its pixels are read. The kind of problem goes
+    /// to problem when given.
+    static std::optional<QImage> read(const QString& path, QString* error = nullptr, FileProblem* problem = nullptr);
     /// Whether bytes begin with a TIFF signature ("II*\0" or "MM\0*").
     static bool hasTiffSignature(const QByteArray& bytes);
 };

@@ -272,27 +272,43 @@ TEST_F(MorphDocumentTest, FirstImageThatLoadsFixesTheFrameSize)
     EXPECT_EQ(document->imageInTrack(5)->size(), QSizeF(320, 200));
 }
 
-TEST_F(MorphDocumentTest, AnUnreadableImageLeavesTheTrackEmptyAndLogsEveryRequest)
+TEST_F(MorphDocumentTest, AnUnreadableImageLeavesTheTrackEmptyAndLogsItsReasonOnceUntilTheFileChanges)
 {
     QFile pdf(path("bad.pdf"));
     ASSERT_TRUE(pdf.open(QIODevice::WriteOnly) && pdf.write("%PDF-1.4\n1 0 obj << /Type /Catalog >> garbage") > 0);
     pdf.close();
-    for (const QString& bad : {path("missing.png"), path("bad.pdf")}) {
+    struct Case {
+        QString file;
+        FileProblem problem;
+        std::string reason;
+    };
+    for (const Case& c : {Case{path("missing.png"), FileProblem::Missing, "no such file"},
+                          Case{path("bad.pdf"), FileProblem::Damaged, "PDF"}}) {
         LogCapture log;
-        document->setImageFromURL(bad, 1);
-        EXPECT_EQ(document->imageURLInTrack(1), bad);
+        document->setImageFromURL(c.file, 1);
+        EXPECT_EQ(document->imageURLInTrack(1), c.file);
         EXPECT_FALSE(document->imageInTrack(1));
         EXPECT_TRUE(document->ciimageInTrack(1).isNull());
         EXPECT_TRUE(document->ciimageInTrack(1).isNull());
-        EXPECT_EQ(log.count("Could not create Image from '" + bad.toStdString() + "'"), 2); // set, then each request
-        EXPECT_EQ(log.count("Could not create CIImage from '" + bad.toStdString() + "'"), 2);
+        const std::string prefix = "Could not create Image from '" + c.file.toStdString() + "': ";
+        ASSERT_EQ(log.count(prefix), 1); // once, with the reason, however often it is asked for
+        EXPECT_NE(log.lines()[0].find(c.reason), std::string::npos) << log.lines()[0];
+        EXPECT_EQ(log.count("Could not create CIImage from"), 0);
+        ASSERT_TRUE(document->imageFailureInTrack(1));
+        EXPECT_EQ(document->imageFailureInTrack(1)->problem, c.problem);
         EXPECT_EQ(document->frameSize(), QSizeF(0, 0));
         EXPECT_EQ(document->aspectRatioInTrack(1), 1.0f);
     }
-    QString reason;
-    EXPECT_FALSE(DisplayImage::load(path("bad.pdf"), &reason));
-    EXPECT_TRUE(reason.contains(QStringLiteral("PDF"))) << reason.toStdString();
-
+    // The file appears: the next request reads it, without a word.
+    LogCapture log;
+    writePng("missing.png", 8, 6);
+    document->setImageFromURL(path("missing.png"), 1);
+    document->setImageFromURL(path("bad.pdf"), 1);
+    EXPECT_FALSE(document->imageInTrack(1));
+    writePng("bad.pdf", 8, 6);
+    EXPECT_FALSE(document->ciimageInTrack(1).isNull());
+    EXPECT_FALSE(document->imageFailureInTrack(1));
+    EXPECT_EQ(log.count("Could not create"), 1);
 }
 
 TEST_F(MorphDocumentTest, AnImageFileIsTakenOnlyWhenItReads)

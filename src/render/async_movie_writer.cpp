@@ -68,11 +68,8 @@ bool AsyncMovieWriter::appendNowIfNoVideoTrack(RgbaImage& image, const MovieTime
         return false;
     lock();
     const bool appendNow = !m_movie->hasVideoTrack();
-    if (appendNow) {
-        const MovieStatus status = m_movie->addImage(image, duration, attributes);
-        if (!status.ok())
-            logLine(formatString("Could not append an image to the movie: %s", status.message.c_str()));
-    }
+    if (appendNow)
+        noteAppend(m_movie->addImage(image, duration, attributes));
     m_hasVideoTrack.store(m_movie->hasVideoTrack(), std::memory_order_release);
     unlock();
     return appendNow;
@@ -214,13 +211,34 @@ bool AsyncMovieWriter::exitUnlessImagesQueued()
 
 void AsyncMovieWriter::appendEntry(const QueueEntry& entry)
 {
+    // After a failure the movie is lost: compressing more frames only wastes time.
+    if (m_failed.load(std::memory_order_acquire))
+        return;
     lock();
     MovieTrack* track = m_movie->lastVideoTrack();
     const MovieStatus status = track ? track->addImage(entry.image, entry.duration, entry.attributes)
                                      : m_movie->addImage(entry.image, entry.duration, entry.attributes);
     unlock();
-    if (!status.ok())
+    noteAppend(status);
+}
+
+bool AsyncMovieWriter::noteAppend(const MovieStatus& status)
+{
+    if (status.ok())
+        return true;
+    std::lock_guard guard(m_failureLock);
+    if (!m_failure) {
         logLine(formatString("Could not append an image to the movie: %s", status.message.c_str()));
+        m_failure = status;
+        m_failed.store(true, std::memory_order_release);
+    }
+    return false;
+}
+
+std::optional<MovieStatus> AsyncMovieWriter::failure() const
+{
+    std::lock_guard guard(m_failureLock);
+    return m_failure;
 }
 
 void AsyncMovieWriter::disableIdling()

@@ -59,6 +59,9 @@ public:
     /// Returns when every queued image has been appended, and stops the worker.
     void waitForAsyncImageAddToFinish();
     unsigned numberOfImagesInQueue() const;
+    /// The first append that failed (a full disk, an encoder error), if any. Once one has
+    /// failed, images still queued or added later are dropped, not compressed.
+    std::optional<MovieStatus> failure() const;
     /// The queue lock's condition, or none before the first queued image.
     std::optional<int> queueCondition() const;
 
@@ -102,6 +105,8 @@ private:
     bool takeAndAppendBatch();
     bool exitUnlessImagesQueued();
     void appendEntry(const QueueEntry& entry);
+    /// Keeps the first failure; answers whether appending should go on.
+    bool noteAppend(const MovieStatus& status);
 
     std::unique_ptr<Movie> m_movie;
     std::mutex m_movieLock;
@@ -115,6 +120,10 @@ private:
     bool m_tearingDown = false;
     std::thread m_worker;
     std::function<void()> m_beforeWorkerExit;
+
+    mutable std::mutex m_failureLock;
+    std::optional<MovieStatus> m_failure; // guarded by m_failureLock
+    std::atomic<bool> m_failed{false};
 };
 
 } // namespace plyra

@@ -62,6 +62,8 @@ QJsonObject imageSummary(const MorphDocument& document, unsigned track)
     object[QStringLiteral("width")] = image ? image->raster.width() : 0;
     object[QStringLiteral("height")] = image ? image->raster.height() : 0;
     object[QStringLiteral("aspectRatio")] = shortest(document.aspectRatioInTrack(track));
+    const std::optional<ImageLoadFailure> failure = document.imageFailureInTrack(track);
+    object[QStringLiteral("error")] = failure ? QJsonValue(failure->reason) : QJsonValue(QJsonValue::Null);
     return object;
 }
 

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "render/frame_output.h"
 
+#include "platform/atomic_file_writer.h"
+
+#include <QBuffer>
+#include <QFile>
 #include <QImageWriter>
-#include <QSaveFile>
 
 #include <cstring>
 
@@ -31,18 +34,25 @@ bool saveFrameAsJpeg(const Bitmap& bitmap, const QString& path, QString* error)
     // JPEG has no alpha: frames are flattened onto black, which is what transparent
     // pixels of premultiplied RGBA already are.
     const QImage rgb = imageFromBitmap(bitmap).convertToFormat(QImage::Format_RGB888);
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return fail(file.errorString());
-    QImageWriter writer(&file, "jpeg");
+    // Encoded in memory first, so that a failed write reports the system's own reason.
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    QImageWriter writer(&buffer, "jpeg");
     writer.setQuality(kFrameJpegQuality);
-    if (!writer.write(rgb)) {
-        file.cancelWriting();
+    if (!writer.write(rgb))
         return fail(writer.errorString());
-    }
-    if (!file.commit())
-        return fail(file.errorString());
-    return true;
+    return writeOutputFile(path, bytes, error);
+}
+
+bool writeOutputFile(const QString& path, const QByteArray& bytes, QString* error)
+{
+    std::string reason;
+    if (AtomicFileWriter::write(QFile::encodeName(path).toStdString(), bytes.constData(), static_cast<std::size_t>(bytes.size()), &reason))
+        return true;
+    if (error)
+        *error = QString::fromStdString(reason);
+    return false;
 }
 
 } // namespace plyra

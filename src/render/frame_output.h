@@ -19,4 +19,9 @@ QImage imageFromBitmap(const Bitmap& bitmap);
 /// complete; false, with the reason, when there is no frame or it cannot be written.
 bool saveFrameAsJpeg(const Bitmap& bitmap, const QString& path, QString* error = nullptr);
 
+/// Writes an encoded output file whole or not at all (AtomicFileWriter): only a regular
+/// file or a new name is replaced, and a failure gives the system's reason ("No space
+/// left on device").
+bool writeOutputFile(const QString& path, const QByteArray& bytes, QString* error = nullptr);
+
 } // namespace plyra

@@ -3,6 +3,7 @@
 
 #include "engine/image_conversion.h"
 #include "render/frame_output.h"
+#include "render/output_path_check.h"
 
 #include <cmath>
 
@@ -24,10 +25,10 @@ bool FrameRenderController::setTime(float time)
     return true;
 }
 
-std::vector<MorphCalculationJob::Ptr> FrameRenderController::newMorphJobs()
+MorphCalculationJob::Ptr FrameRenderController::newMorphJob(std::uint32_t)
 {
     const FrameSize size = frameSize();
-    return {MorphCalculationJob::create(time(), Size{size.width, size.height}, interpolationFactor())};
+    return MorphCalculationJob::create(time(), Size{size.width, size.height}, interpolationFactor());
 }
 
 void FrameRenderController::consumeFinishedJobs()
@@ -41,7 +42,10 @@ void FrameRenderController::consumeFinishedJobs()
 bool FrameRenderController::saveRenderedFrame(const QString& path, QString* error) const
 {
     static const Bitmap none; // saving it fails with the reason "no frame has been rendered"
-    return saveFrameAsJpeg(m_bitmap ? *m_bitmap : none, path, error);
+    QString target;
+    if (!checkOutputPath(document(), path, &target, error))
+        return false;
+    return saveFrameAsJpeg(m_bitmap ? *m_bitmap : none, target, error);
 }
 
 } // namespace plyra

@@ -27,7 +27,7 @@ public:
     bool saveRenderedFrame(const QString& path, QString* error = nullptr) const;
 
 protected:
-    std::vector<MorphCalculationJob::Ptr> newMorphJobs() override;
+    MorphCalculationJob::Ptr newMorphJob(std::uint32_t frame) override;
     void consumeFinishedJobs() override;
 
 private:

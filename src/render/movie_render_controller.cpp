@@ -5,10 +5,24 @@
 #include "model/morph_document.h"
 #include "platform/log.h"
 #include "render/movie_codecs.h"
+#include "render/output_path_check.h"
+#include "platform/temporary_files.h"
 
+#include <QFile>
+
+#include <algorithm>
 #include <filesystem>
+#include <thread>
 
 namespace plyra {
+namespace {
+
+// Jobs ahead of the frames appended: enough to keep every worker busy, few enough that
+// their warp fields stay within kJobsAheadBytes even for the largest frames.
+constexpr unsigned kJobsAheadPerWorker = 4;
+constexpr std::size_t kJobsAheadBytes = std::size_t{256} << 20;
+
+} // namespace
 
 MovieRenderController::MovieRenderController(MorphDocument& document)
     : RenderController(document)
@@ -43,22 +57,55 @@ bool MovieRenderController::recalc()
         m_writer.reset();
         cleanUpTempPaths();
     }
-    if (!makeTemporaryMovie())
+    m_error.clear();
+    if (!checkCompression() || !makeTemporaryMovie())
         return false;
-    return RenderController::recalc();
+    if (RenderController::recalc())
+        return true;
+    m_error = QStringLiteral("the document has no image to render");
+    return false;
+}
+
+bool MovieRenderController::checkCompression()
+{
+    const FrameSize size = frameSize();
+    if (!size.isSet())
+        return true;
+    const AddImageAttributes attributes{fourCharCode(codec()), quality()};
+    const auto width = static_cast<int>(size.width);
+    const auto height = static_cast<int>(size.height);
+    // Setting up an encoder takes milliseconds; a render window recalculates often.
+    const std::string key = codec() + "/" + std::to_string(quality()) + "/" + std::to_string(width) + "x" + std::to_string(height);
+    if (key == m_checkedCompression)
+        return true;
+    const MovieStatus status = checkImageCompression(attributes, width, height);
+    if (!status.ok()) {
+        m_error = QString::fromStdString(status.message);
+        return false;
+    }
+    m_checkedCompression = key;
+    return true;
+}
+
+std::size_t MovieRenderController::maxJobsAhead()
+{
+    const unsigned workers = std::max(std::thread::hardware_concurrency(), 2u);
+    const FrameSize size = frameSize();
+    const std::size_t fieldBytes = std::max<std::size_t>(
+        warpGridSize(size.width, size.height, interpolationFactor()).nodeCount() * 4 * sizeof(float), 1);
+    return std::clamp<std::size_t>(kJobsAheadBytes / fieldBytes, 2, std::size_t{workers} * kJobsAheadPerWorker);
 }
 
 bool MovieRenderController::makeTemporaryMovie()
 {
     MovieStatus status;
     m_tempPath = makeTemporaryMoviePath("/tmp/", "Plyra_", &status);
-    if (m_tempPath.empty()) {
-        logLine(formatString("CreateMovieStorage error %d", status.code));
-        return false;
-    }
-    std::unique_ptr<Movie> movie = Movie::createInStorage(m_tempPath, &status);
+    if (!m_tempPath.empty())
+        TemporaryFiles::add(m_tempPath);
+    std::unique_ptr<Movie> movie = m_tempPath.empty() ? nullptr : Movie::createInStorage(m_tempPath, &status);
     if (!movie) {
         logLine(formatString("CreateMovieStorage error %d", status.code));
+        m_error = QStringLiteral("cannot make the temporary movie: %1").arg(QString::fromStdString(status.message));
         cleanUpTempPaths();
         return false;
     }
@@ -81,6 +128,8 @@ void MovieRenderController::consumeFinishedJobs()
 {
     using Clock = std::chrono::steady_clock;
     const Clock::time_point start = Clock::now();
+    if (stopOnWriterFailure())
+        return;
     // Strictly in frame order: a later frame that finished first waits for the earlier.
     // Frames waiting for the encoder hold memory, so only a few may wait at a time.
     while (!jobs().empty() && jobs().front()->isDone() && Clock::now() - start < m_appendBudget
@@ -88,6 +137,18 @@ void MovieRenderController::consumeFinishedJobs()
         appendFrame(jobs().front());
         jobs().pop_front();
     }
+}
+
+bool MovieRenderController::stopOnWriterFailure()
+{
+    const std::optional<MovieStatus> failure = m_writer ? m_writer->failure() : std::nullopt;
+    if (!failure)
+        return false;
+    // The movie cannot be completed: computing the remaining frames would only waste time.
+    m_appendFailed = true;
+    m_error = QString::fromStdString(failure->message);
+    stop();
+    return true;
 }
 
 bool MovieRenderController::appendFrame(const MorphCalculationJob::Ptr& job)
@@ -116,17 +177,22 @@ bool MovieRenderController::saveRenderedMovie(const QString& path, QString* erro
             *error = reason;
         return false;
     };
+    QString target;
+    if (!checkOutputPath(document(), path, &target, error))
+        return false;
     if (!m_writer)
         return fail(QStringLiteral("no movie has been rendered"));
-    if (isRendering() || m_appendFailed)
-        return fail(QStringLiteral("the movie is not complete"));
     const Movie* complete = movie();
+    stopOnWriterFailure();
+    if (isRendering() || m_appendFailed)
+        return fail(m_error.isEmpty() ? QStringLiteral("the movie is not complete") : m_error);
     m_writer->lock();
-    const std::size_t frames = complete->frameTimes().size();
+    const MovieTrack* track = complete->lastVideoTrack();
+    const std::size_t frames = track && track->media() ? track->media()->sampleCount() : 0;
     m_writer->unlock();
     if (frames != static_cast<std::size_t>(m_framesAppended))
         return fail(QStringLiteral("only %1 of %2 frames could be compressed").arg(frames).arg(m_framesAppended));
-    const MovieStatus status = m_writer->writeToFile(path.toStdString(), true);
+    const MovieStatus status = m_writer->writeToFile(QFile::encodeName(target).toStdString(), true);
     if (!status.ok())
         return fail(QString::fromStdString(status.message));
     return true;
@@ -147,6 +213,7 @@ void MovieRenderController::cleanUpTempPaths()
     std::error_code ignored;
     if (std::filesystem::is_regular_file(m_tempPath, ignored))
         std::filesystem::remove(m_tempPath, ignored);
+    TemporaryFiles::forget(m_tempPath);
     m_tempPath.clear();
 }
 

@@ -17,8 +17,10 @@ namespace plyra {
 /// every render, finished frames appended strictly in frame order with the document's
 /// codec and quality, and a self-contained copy written on save. The main thread turns
 /// finished jobs into frames; an asynchronous writer compresses them on a thread of its
-/// own, so that the morph and the encoder work at the same time. At most a few frames
-/// wait for the encoder: a tick takes no more jobs while they do.
+/// own, so that the morph and the encoder work at the same time. Memory does not grow
+/// with the number of frames: the morpher gets only a few jobs ahead of the frames
+/// appended, at most a few frames wait for the encoder (a tick takes no more jobs while
+/// they do), and the first failed append (a full disk) ends the render with its reason.
 /// Threads: main thread.
 class MovieRenderController : public RenderController {
 public:
@@ -33,9 +35,12 @@ public:
     std::string codec() const;
     int quality() const;
 
-    /// A new temporary movie, then the jobs. False when there is no image or the
-    /// temporary movie cannot be made (the reason is logged).
+    /// A new temporary movie, then the jobs. False, with the reason in errorString(), when
+    /// the codec cannot compress frames of the frame size, the temporary movie cannot be
+    /// made or there is no image: all found before any frame is computed.
     bool recalc() override;
+    /// Why the last recalc or the render failed; empty while nothing has.
+    const QString& errorString() const { return m_error; }
     /// Frames handed to the movie so far (some may still be compressed).
     int framesAppended() const { return m_framesAppended; }
     /// The movie, once every frame handed over has been compressed into it.
@@ -50,10 +55,13 @@ public:
 
 protected:
     void consumeFinishedJobs() override;
+    std::size_t maxJobsAhead() override;
 
 private:
+    bool checkCompression();
     bool makeTemporaryMovie();
     bool appendFrame(const MorphCalculationJob::Ptr& job);
+    bool stopOnWriterFailure();
 
     std::unique_ptr<AsyncMovieWriter> m_writer;
     std::string m_tempPath;
@@ -63,6 +71,8 @@ private:
     int m_framesAppended = 0;
     static constexpr unsigned kMaxFramesWaiting = 2;
     bool m_appendFailed = false;
+    QString m_error;
+    std::string m_checkedCompression; // the codec, quality and size last found to work
 };
 
 } // namespace plyra

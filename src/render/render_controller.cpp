@@ -38,21 +38,31 @@ bool RenderController::recalc()
     if (m_morpher)
         m_morpher->clearJobQueue();
     m_morpher = Morpher::create(first, last, m_document.morphLines());
-    const std::vector<MorphCalculationJob::Ptr> jobs = newMorphJobs();
-    m_morphJobs.assign(jobs.begin(), jobs.end());
-    m_morpher->runMorphCalculationJobs(jobs);
+    m_morphJobs.clear();
+    m_frameCount = m_settings.numberOfFrames();
+    m_nextFrame = 0;
     m_rendering = true;
+    queueMoreJobs();
     return true;
 }
 
-std::vector<MorphCalculationJob::Ptr> RenderController::newMorphJobs()
+MorphCalculationJob::Ptr RenderController::newMorphJob(std::uint32_t frame)
 {
     const FrameSize size = frameSize();
-    const float factor = interpolationFactor();
-    std::vector<MorphCalculationJob::Ptr> jobs;
-    for (float t : frameTimes(m_settings.numberOfFrames(), m_settings.timeRange(), m_settings.reverse()))
-        jobs.push_back(MorphCalculationJob::create(t, Size{size.width, size.height}, factor));
-    return jobs;
+    const float t = frameTime(frame, m_frameCount, m_settings.timeRange(), m_settings.reverse());
+    return MorphCalculationJob::create(t, Size{size.width, size.height}, interpolationFactor());
+}
+
+void RenderController::queueMoreJobs()
+{
+    const std::size_t limit = maxJobsAhead();
+    std::vector<MorphCalculationJob::Ptr> batch;
+    while (m_nextFrame < m_frameCount && (limit == 0 || m_morphJobs.size() < limit)) {
+        batch.push_back(newMorphJob(m_nextFrame++));
+        m_morphJobs.push_back(batch.back());
+    }
+    if (!batch.empty())
+        m_morpher->runMorphCalculationJobs(batch);
 }
 
 bool RenderController::tick()
@@ -60,7 +70,9 @@ bool RenderController::tick()
     if (!m_rendering)
         return true;
     consumeFinishedJobs();
-    if (!m_morphJobs.empty())
+    if (m_rendering)
+        queueMoreJobs();
+    if (!m_morphJobs.empty() || m_nextFrame < m_frameCount)
         return false;
     // Every job consumed: the render is over.
     stop();
@@ -72,13 +84,14 @@ void RenderController::stop()
     if (m_morpher)
         m_morpher->clearJobQueue();
     m_morphJobs.clear();
+    m_nextFrame = m_frameCount;
     m_rendering = false;
 }
 
 float RenderController::progress() const
 {
     const float lastJobProgress = m_morphJobs.empty() ? 1.0f : m_morphJobs.back()->progress();
-    return renderProgress(m_settings.numberOfFrames(), m_morphJobs.size(), lastJobProgress);
+    return renderProgress(m_settings.numberOfFrames(), m_morphJobs.size() + framesNotQueued(), lastJobProgress);
 }
 
 } // namespace plyra

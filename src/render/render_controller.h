@@ -15,8 +15,10 @@ class MorphDocument;
 
 /// Turns a document and render settings into frame jobs on a fresh morpher, and polls
 /// them without ever waiting: the common core of the frame, preview and movie renders,
-/// shared by the render windows and plyra-render. Subclasses say what a job list looks
-/// like and what to do with each finished job.
+/// shared by the render windows and plyra-render. Subclasses say what a job looks like,
+/// what to do with each finished job and how many jobs may be out at once: a render
+/// whose frames are consumed in order (a movie) hands the morpher only a few jobs ahead
+/// of the consumer, so that its memory does not grow with the number of frames.
 /// Threads: main thread; the jobs are computed on the morpher's workers.
 class RenderController {
 public:
@@ -38,32 +40,43 @@ public:
     float interpolationFactor() const;
 
     /// Starts a new render: the old morpher's queue is cleared, a new morpher takes the
-    /// document's images and copies of its lines and computes the new job list. False
+    /// document's images and copies of its lines and computes the first jobs. False
     /// (and nothing changes) when the document has no image at all.
     virtual bool recalc();
-    /// Consumes finished jobs, then answers whether the render is over (no job left).
+    /// Consumes finished jobs and hands the morpher the next ones, then answers whether
+    /// the render is over (every frame's job made and consumed).
     bool tick();
     /// Stops rendering: the queued jobs are dropped and never computed.
     void stop();
 
     bool isRendering() const { return m_rendering; }
     float progress() const;
+    /// The jobs handed to the morpher and not yet consumed, first frame first.
     const JobList& morphJobs() const { return m_morphJobs; }
+    /// Frames whose jobs are still to be made.
+    std::uint32_t framesNotQueued() const { return m_frameCount - m_nextFrame; }
     const Morpher::Ptr& morpher() const { return m_morpher; }
 
 protected:
-    /// One job per frame time of the settings, first frame first.
-    virtual std::vector<MorphCalculationJob::Ptr> newMorphJobs();
+    /// The job of one frame (0 is the first): the frame time of the settings.
+    virtual MorphCalculationJob::Ptr newMorphJob(std::uint32_t frame);
+    /// How many jobs may be out (queued, computing or done and not consumed) at once;
+    /// 0 for every frame at once.
+    virtual std::size_t maxJobsAhead() { return 0; }
     /// Takes finished jobs off the front of morphJobs(); the base takes none.
     virtual void consumeFinishedJobs() { }
     JobList& jobs() { return m_morphJobs; }
 
 private:
+    void queueMoreJobs();
+
     MorphDocument& m_document;
     RenderSettings m_settings;
     std::optional<float> m_interpolationFactor;
     Morpher::Ptr m_morpher;
     JobList m_morphJobs;
+    std::uint32_t m_frameCount = 0;
+    std::uint32_t m_nextFrame = 0;
     bool m_rendering = false;
 };
 

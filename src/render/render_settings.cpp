@@ -51,21 +51,25 @@ std::vector<float> frameTimes(std::uint32_t numberOfFrames, MorphTimeRange range
 {
     std::vector<float> times;
     times.reserve(numberOfFrames);
-    for (std::uint32_t i = 0; i < numberOfFrames; ++i) {
-        // The product in single precision, the rest in double, as the frame times of
-        // earlier documents were computed; one frame has no span and sits at the start.
-        const float product = static_cast<float>(i) * range.length;
-        float t = range.location;
-        if (numberOfFrames > 1)
-            t = static_cast<float>(static_cast<double>(range.location)
-                + static_cast<double>(product) / static_cast<double>(numberOfFrames - 1));
-        // Reversed, the frames run from the end of the range back to its start: the
-        // mirror image of t within the range.
-        if (reverse)
-            t = (range.location + range.length) - (t - range.location);
-        times.push_back(t);
-    }
+    for (std::uint32_t i = 0; i < numberOfFrames; ++i)
+        times.push_back(frameTime(i, numberOfFrames, range, reverse));
     return times;
+}
+
+float frameTime(std::uint32_t index, std::uint32_t numberOfFrames, MorphTimeRange range, bool reverse)
+{
+    // The product in single precision, the rest in double, as the frame times of
+    // earlier documents were computed; one frame has no span and sits at the start.
+    const float product = static_cast<float>(index) * range.length;
+    float t = range.location;
+    if (numberOfFrames > 1)
+        t = static_cast<float>(static_cast<double>(range.location)
+            + static_cast<double>(product) / static_cast<double>(numberOfFrames - 1));
+    // Reversed, the frames run from the end of the range back to its start: the
+    // mirror image of t within the range.
+    if (reverse)
+        t = (range.location + range.length) - (t - range.location);
+    return t;
 }
 
 float interpolationFactorFromInterval(std::int64_t maxSampleInterval, float fallback)

@@ -66,6 +66,8 @@ private:
 /// The morph times of the frames of a render, first frame first. One frame is a still
 /// at the start of the range.
 std::vector<float> frameTimes(std::uint32_t numberOfFrames, MorphTimeRange range, bool reverse);
+/// The morph time of one frame of those (index 0 is the first frame).
+float frameTime(std::uint32_t index, std::uint32_t numberOfFrames, MorphTimeRange range, bool reverse);
 
 /// The grid spacing from the user default "maxSampleInterval": its value when it is 2 or
 /// more, else fallback (7 for frames and movies, 6 for the preview strip).

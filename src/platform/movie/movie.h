@@ -163,4 +163,10 @@ inline constexpr int kCodecMaxQuality = 1023;
 /// Whether images can be compressed with the codec of that four-character code here.
 bool isMovieCodecAvailable(FourCharCode codecType);
 
+/// Whether frames of width × height can be compressed with the codec and quality of the
+/// attributes: an encoder is set up for that size and let go, which takes milliseconds,
+/// so that a movie that cannot be made is refused before its first frame is computed.
+/// The failure names the code, the size and the encoder's reason.
+MovieStatus checkImageCompression(const AddImageAttributes& attributes, int width, int height);
+
 } // namespace plyra

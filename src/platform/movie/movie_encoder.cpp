@@ -2,6 +2,7 @@
 #include "platform/movie/movie_encoder_internal.h"
 
 #include "platform/log.h"
+#include "platform/movie/movie.h"
 
 extern "C" {
 #include <libavutil/opt.h>
@@ -108,6 +109,16 @@ std::unique_ptr<MovieEncoder> MovieEncoder::create(FourCharCode codecType, int q
     logSubstitutionOnce(*setup);
     report(status, MovieStatus::success());
     return encoder;
+}
+
+MovieStatus checkImageCompression(const AddImageAttributes& attributes, int width, int height)
+{
+    MovieStatus status;
+    if (MovieEncoder::create(attributes.codecType, attributes.codecQuality, width, height, kMovieTimeScale, &status))
+        return MovieStatus::success();
+    return MovieStatus::failure(status.code, formatString("The codec \"%s\" cannot compress frames of %d x %d pixels: %s",
+                                                          fourCharCodeString(attributes.codecType).c_str(), width,
+                                                          height, status.message.c_str()));
 }
 
 AVDictionary* MovieEncoder::configureCodec()

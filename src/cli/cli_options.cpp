@@ -16,8 +16,9 @@ bool parseFloat(const std::string& text, float& value)
     double d = 0.0;
     if (text.empty() || readLeadingNumber(text, d) != text.size() || !std::isfinite(d))
         return false;
+    // A number beyond the float range (1e40) would become infinite on the way.
     value = static_cast<float>(d);
-    return true;
+    return std::isfinite(value);
 }
 
 bool parseInteger(const std::string& text, std::int64_t& value)

@@ -4,10 +4,13 @@
 #include "cli/progress_bar.h"
 #include "cli/warp_field_writer.h"
 #include "model/morph_document.h"
+#include "platform/stop_request.h"
 #include "render/document_summary.h"
 #include "render/frame_render_controller.h"
 #include "render/movie_render_controller.h"
+#include "render/output_path_check.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QJsonDocument>
 
@@ -28,6 +31,17 @@ int fail(std::ostream& err, const std::string& message)
     return kExitFailure;
 }
 
+int interrupted(std::ostream& err)
+{
+    err << "plyra-render: interrupted; nothing was written\n";
+    return kExitInterrupted;
+}
+
+std::string quoted(const QString& path)
+{
+    return "'" + path.toStdString() + "'";
+}
+
 bool openDocument(const CliOptions& options, MorphDocument& document, std::ostream& err)
 {
     const QString path = QString::fromStdString(options.documentPath);
@@ -43,6 +57,42 @@ bool openDocument(const CliOptions& options, MorphDocument& document, std::ostre
     return true;
 }
 
+// An image the document names but cannot read is an error for anything that renders;
+// a missing file is how a document without that image is stored, and only noted.
+int checkImages(const MorphDocument& document, std::ostream& err)
+{
+    static const char* const names[2] = {"the first image", "the last image"};
+    for (unsigned track = 0; track < 2; ++track) {
+        const std::optional<ImageLoadFailure> failure = document.imageFailureInTrack(track);
+        if (!failure || failure->problem == FileProblem::Missing)
+            continue;
+        if (failure->problem == FileProblem::Interrupted)
+            return interrupted(err);
+        return fail(err, std::string("cannot read ") + names[track] + " " + quoted(document.imageURLInTrack(track)) + ": "
+                             + failure->reason.toStdString());
+    }
+    return kExitSuccess;
+}
+
+int noImageToRender(const MorphDocument& document, std::ostream& err)
+{
+    if (StopRequest::isRequested())
+        return interrupted(err);
+    if (const int status = checkImages(document, err); status != kExitSuccess)
+        return status;
+    return fail(err, "the document has no image to render");
+}
+
+// Whether output may go to path; target becomes the file to write.
+bool checkOutput(const MorphDocument& document, const QString& path, QString& target, std::ostream& err)
+{
+    QString reason;
+    if (checkOutputPath(document, path, &target, &reason))
+        return true;
+    fail(err, "cannot write " + quoted(path) + ": " + reason.toStdString());
+    return false;
+}
+
 void applyCommonSettings(const CliOptions& options, RenderController& controller)
 {
     if (options.width && options.height)
@@ -52,10 +102,10 @@ void applyCommonSettings(const CliOptions& options, RenderController& controller
 }
 
 // Polls the controller until its render is over; false when interrupted first.
-bool runToEnd(RenderController& controller, const std::atomic<bool>& interrupted, ProgressBar* bar)
+bool runToEnd(RenderController& controller, ProgressBar* bar)
 {
     while (!controller.tick()) {
-        if (interrupted) {
+        if (StopRequest::isRequested()) {
             controller.stop();
             return false;
         }
@@ -63,35 +113,37 @@ bool runToEnd(RenderController& controller, const std::atomic<bool>& interrupted
             bar->show(controller.progress());
         std::this_thread::sleep_for(kPollInterval);
     }
-    return true;
+    return !StopRequest::isRequested();
 }
 
-std::string defaultFramePath(const CliOptions& options)
+// Beside the working folder, named after the package: "plyra-render ." inside a package
+// is then refused rather than writing into it.
+QString defaultFramePath(const CliOptions& options)
 {
-    const QFileInfo document(QString::fromStdString(options.documentPath));
-    return document.completeBaseName().toStdString() + ".jpg";
+    const QDir package(QString::fromStdString(options.documentPath));
+    return QFileInfo(package.canonicalPath()).completeBaseName() + QStringLiteral(".jpg");
 }
 
-int renderFrame(const CliOptions& options, MorphDocument& document, std::ostream& out, std::ostream& err,
-    const std::atomic<bool>& interrupted)
+int renderFrame(const CliOptions& options, MorphDocument& document, std::ostream& out, std::ostream& err)
 {
+    const QString path = options.outputPath.empty() ? defaultFramePath(options) : QString::fromStdString(options.outputPath);
+    QString target;
+    if (!checkOutput(document, path, target, err))
+        return kExitFailure;
     FrameRenderController controller(document);
     applyCommonSettings(options, controller);
     controller.setTime(options.time.value_or(0.5f));
     if (!controller.frameSize().isSet())
         return fail(err, "the document has no frame size; give one with --size WxH");
     if (!controller.recalc())
-        return fail(err, "the document has no image to render");
-    if (!runToEnd(controller, interrupted, nullptr)) {
-        fail(err, "interrupted; nothing was written");
-        return kExitInterrupted;
-    }
-    const std::string path = options.outputPath.empty() ? defaultFramePath(options) : options.outputPath;
+        return noImageToRender(document, err);
+    if (!runToEnd(controller, nullptr))
+        return interrupted(err);
     QString reason;
-    if (!controller.saveRenderedFrame(QString::fromStdString(path), &reason))
-        return fail(err, "cannot write '" + path + "': " + reason.toStdString());
+    if (!controller.saveRenderedFrame(path, &reason))
+        return fail(err, "cannot write " + quoted(path) + ": " + reason.toStdString());
     if (!options.quiet)
-        out << "plyra-render: wrote " << path << " (" << controller.bitmap()->width() << "x"
+        out << "plyra-render: wrote " << path.toStdString() << " (" << controller.bitmap()->width() << "x"
             << controller.bitmap()->height() << ", time " << controller.time() << ")\n";
     return kExitSuccess;
 }
@@ -109,31 +161,34 @@ void applyMovieSettings(const CliOptions& options, MovieRenderController& contro
     controller.setAppendBudget(std::chrono::milliseconds(1000));
 }
 
-int renderMovie(const CliOptions& options, MorphDocument& document, std::ostream& out, std::ostream& err,
-    const std::atomic<bool>& interrupted)
+int renderMovie(const CliOptions& options, MorphDocument& document, std::ostream& out, std::ostream& err)
 {
+    const QString path = QString::fromStdString(options.outputPath);
+    QString target;
+    if (!checkOutput(document, path, target, err))
+        return kExitFailure;
     MovieRenderController controller(document);
     applyCommonSettings(options, controller);
     applyMovieSettings(options, controller);
     if (!controller.frameSize().isSet())
         return fail(err, "the document has no frame size; give one with --size WxH");
     const Clock::time_point start = Clock::now();
-    if (!controller.recalc())
-        return fail(err, controller.morpher() ? "cannot make the temporary movie under /tmp"
-                                              : "the document has no image to render");
+    if (!controller.recalc()) {
+        if (document.ciimageInTrack(0).isNull() && document.ciimageInTrack(1).isNull())
+            return noImageToRender(document, err);
+        return fail(err, controller.errorString().toStdString());
+    }
     std::unique_ptr<ProgressBar> bar;
     if (!options.quiet && isatty(STDERR_FILENO))
         bar = std::make_unique<ProgressBar>(err);
-    const bool finished = runToEnd(controller, interrupted, bar.get());
+    const bool finished = runToEnd(controller, bar.get());
     if (bar)
         bar->finish();
-    if (!finished) {
-        fail(err, "interrupted; nothing was written");
-        return kExitInterrupted;
-    }
+    if (!finished)
+        return interrupted(err);
     QString reason;
-    if (!controller.saveRenderedMovie(QString::fromStdString(options.outputPath), &reason))
-        return fail(err, "cannot write '" + options.outputPath + "': " + reason.toStdString());
+    if (!controller.saveRenderedMovie(path, &reason))
+        return fail(err, "cannot write " + quoted(path) + ": " + reason.toStdString());
     const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
     if (!options.quiet)
         out << formatSummary(controller.framesAppended(), seconds, options.outputPath) << "\n";
@@ -142,6 +197,10 @@ int renderMovie(const CliOptions& options, MorphDocument& document, std::ostream
 
 int writeFrameWarpField(const CliOptions& options, MorphDocument& document, std::ostream& err)
 {
+    const QString path = QString::fromStdString(options.outputPath);
+    QString target;
+    if (!checkOutput(document, path, target, err))
+        return kExitFailure;
     // The frame size and grid spacing follow the same rules as a rendered frame's.
     FrameRenderController frame(document);
     applyCommonSettings(options, frame);
@@ -150,8 +209,8 @@ int writeFrameWarpField(const CliOptions& options, MorphDocument& document, std:
         return fail(err, "the document has no frame size; give one with --size WxH");
     std::string reason;
     if (!writeWarpField(document.morphLines(), options.time.value_or(0.5f), {size.width, size.height},
-            frame.interpolationFactor(), options.outputPath, &reason))
-        return fail(err, "cannot write '" + options.outputPath + "': " + reason);
+            frame.interpolationFactor(), target.toStdString(), &reason))
+        return fail(err, "cannot write " + quoted(path) + ": " + reason);
     return kExitSuccess;
 }
 
@@ -163,23 +222,28 @@ int printInfo(const MorphDocument& document, std::ostream& out)
 
 } // namespace
 
-int runCli(const CliOptions& options, std::ostream& out, std::ostream& err, const std::atomic<bool>& interrupted)
+int runCli(const CliOptions& options, std::ostream& out, std::ostream& err)
 {
     MorphDocument document;
     if (!openDocument(options, document, err))
-        return kExitFailure;
-    switch (options.mode) {
-    case CliMode::Info:
+        return StopRequest::isRequested() ? interrupted(err) : kExitFailure;
+    if (StopRequest::isRequested())
+        return interrupted(err);
+    if (options.mode == CliMode::Info)
         return printInfo(document, out);
+    if (const int status = checkImages(document, err); status != kExitSuccess)
+        return status;
+    switch (options.mode) {
     case CliMode::Movie:
-        return renderMovie(options, document, out, err, interrupted);
+        return renderMovie(options, document, out, err);
     case CliMode::WarpField:
         return writeFrameWarpField(options, document, err);
+    case CliMode::Info:
     case CliMode::Frame:
     case CliMode::Help:
         break;
     }
-    return renderFrame(options, document, out, err, interrupted);
+    return renderFrame(options, document, out, err);
 }
 
 } // namespace plyra

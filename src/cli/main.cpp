@@ -2,29 +2,25 @@
 // plyra-render: renders frames and movies of Plyra documents without a display.
 #include "cli/cli_options.h"
 #include "cli/cli_runner.h"
+#include "cli/signal_watcher.h"
+#include "platform/temporary_files.h"
 
 #include <QCoreApplication>
 
-#include <atomic>
-#include <csignal>
 #include <iostream>
+#include <new>
 
 namespace {
 
-std::atomic<bool> g_interrupted{false};
-
-void onSignal(int)
-{
-    g_interrupted = true;
-}
+// After an interrupt the run finishes what it is doing within this time, or is ended.
+constexpr std::chrono::milliseconds kInterruptGrace{1500};
 
 } // namespace
 
 int main(int argc, char* argv[])
 {
+    const plyra::SignalWatcher interrupts(kInterruptGrace);
     QCoreApplication app(argc, argv);
-    std::signal(SIGINT, onSignal);
-    std::signal(SIGTERM, onSignal);
 
     std::vector<std::string> arguments(argv + 1, argv + argc);
     const plyra::CliParseResult parsed = plyra::parseCliOptions(arguments);
@@ -36,5 +32,12 @@ int main(int argc, char* argv[])
         std::cout << plyra::cliUsage();
         return plyra::kExitSuccess;
     }
-    return plyra::runCli(*parsed.options, std::cout, std::cerr, g_interrupted);
+    try {
+        return plyra::runCli(*parsed.options, std::cout, std::cerr);
+    } catch (const std::bad_alloc&) {
+        // Every reader turns a failed allocation into its own message; this is the last net.
+        plyra::TemporaryFiles::removeAll();
+        std::cerr << "plyra-render: there is not enough memory for this document at this size\n";
+        return plyra::kExitFailure;
+    }
 }

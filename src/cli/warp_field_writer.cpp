@@ -5,7 +5,7 @@
 #include "engine/morpher.h"
 #include "platform/log.h"
 
-#include <QSaveFile>
+#include "platform/atomic_file_writer.h"
 
 #include <bit>
 #include <cstring>
@@ -57,13 +57,7 @@ bool writeWarpField(const std::vector<MorphLine::Ptr>& lines, float time, Size s
     Morpher::create(Image(), Image(), lines)->processMorphCalculationJob(*job);
 
     const std::vector<char> bytes = encodeWarpField(*job);
-    QSaveFile file(QString::fromStdString(path));
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes.data(), static_cast<qint64>(bytes.size())) != static_cast<qint64>(bytes.size())
-        || !file.commit()) {
-        *error = file.errorString().toStdString();
-        return false;
-    }
-    return true;
+    return AtomicFileWriter::write(path, bytes.data(), bytes.size(), error);
 }
 
 } // namespace plyra

@@ -58,6 +58,9 @@ TEST(CliOptions, UsageErrorsSayWhatIsWrong)
         {{"doc.plyra", "--bogus"}, "unknown option --bogus"},
         {{"doc.plyra", "--time"}, "--time needs a value"},
         {{"doc.plyra", "--time", "half"}, "--time needs a number"},
+        {{"doc.plyra", "--time", "inf"}, "--time needs a number"},
+        {{"doc.plyra", "--time", "1e40"}, "--time needs a number"}, // infinite as a float
+        {{"doc.plyra", "--time", "-1e39"}, "--time needs a number"},
         {{"doc.plyra", "-o", "x.png"}, "the output must end in"},
         {{"doc.plyra", "-o", "m.mov"}, "a movie needs --frames N"},
         {{"doc.plyra", "-o", "m.mov", "--frames", "0"}, "--frames needs a whole number"},

@@ -8,7 +8,7 @@ packages=(
   qt6-base-dev qt6-base-dev-tools qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools
   qt6-image-formats-plugins libqt6svg6 qt6-svg-dev qt6-qpa-plugins qt6-translations-l10n
   libgl-dev libxkbcommon-dev
-  libavformat-dev libavcodec-dev libavutil-dev libswscale-dev ffmpeg
+  libavformat-dev libavcodec-dev libavfilter-dev libavutil-dev libswscale-dev ffmpeg
   libtiff-dev libplist-dev libpoppler-qt6-dev
   libhwy-dev libtbb-dev
   libgtest-dev libgmock-dev libbenchmark-dev

@@ -259,6 +259,47 @@ TEST(MovieFile, BadImagesAndCodecsAreRefused)
     EXPECT_FALSE(isMovieCodecAvailable(fourCharCode("zzzz")));
 }
 
+TEST(MovieFile, CodesOutsideTheTableAreWrittenWhenFFmpegHasAnEncoderForThem)
+{
+    // What a code means in a QuickTime file decides the encoder; the file keeps the code.
+    // Mean difference per channel: JPEG loses the test frames' fine noise (as Motion JPEG does),
+    // PNG nothing.
+    const struct { const char* code; const char* codecName; double tolerance; } written[] = {
+        {"jpeg", "mjpeg", 20.0}, {"png ", "png", 0.0}};
+    for (const auto& c : written) {
+        ScratchFolder folder;
+        EXPECT_TRUE(isMovieCodecAvailable(fourCharCode(c.code))) << c.code;
+        auto movie = Movie::createInStorage(folder.file("storage"));
+        ASSERT_TRUE(movie);
+        const MovieStatus appended = appendTestFrames(*movie, 3, 30, c.code, kCodecHighQuality);
+        ASSERT_TRUE(appended.ok()) << c.code << ": " << appended.message;
+        ASSERT_TRUE(movie->writeToFile(folder.file("out.mov")).ok()) << c.code;
+        const auto probe = probeVideo(folder.file("out.mov"));
+        EXPECT_EQ(probe.at("codec_name"), c.codecName) << c.code;
+        EXPECT_EQ(probe.at("codec_tag_string"), c.code);
+        EXPECT_EQ(probe.at("nb_read_frames"), "3") << c.code;
+        const std::unique_ptr<Movie> read = Movie::open(folder.file("out.mov"));
+        ASSERT_TRUE(read) << c.code;
+        const std::optional<RgbaImage> frame = read->frameImageAtTime({30, 600, 0});
+        ASSERT_TRUE(frame) << c.code;
+        const RgbaImage expected = test::movieTestFrame(1);
+        double difference = 0.0;
+        for (int y = 0; y < expected.height(); ++y)
+            for (int x = 0; x < expected.width(); ++x)
+                for (int k = 0; k < 3; ++k)
+                    difference += std::abs(int(frame->pixel(x, y)[k]) - int(expected.pixel(x, y)[k]));
+        EXPECT_LE(difference / (3.0 * expected.width() * expected.height()), c.tolerance) << c.code;
+    }
+    // A code unknown to QuickTime files, and one known without an encoder here.
+    for (const char* code : {"zzzz", "8BPS"}) {
+        EXPECT_FALSE(isMovieCodecAvailable(fourCharCode(code))) << code;
+        auto movie = Movie::createInMemory();
+        const MovieStatus status = movie->addImage(test::movieTestFrame(0), {30, 600, 0}, AddImageAttributes{fourCharCode(code), 512});
+        EXPECT_EQ(status.code, kMovieCodecUnavailable) << code;
+        EXPECT_NE(status.message.find(code), std::string::npos) << status.message;
+    }
+}
+
 TEST(MovieFile, ATrackKeepsItsFirstCodecMpeg4ByDefault)
 {
     LogCapture capture;

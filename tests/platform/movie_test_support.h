@@ -61,7 +61,7 @@ private:
 inline std::map<std::string, std::string> probeVideo(const std::string& path)
 {
     const std::string command = "ffprobe -v error -select_streams v:0 -count_frames -show_entries "
-                                "stream=codec_name,nb_read_frames,r_frame_rate,avg_frame_rate,"
+                                "stream=codec_name,codec_tag_string,nb_read_frames,r_frame_rate,avg_frame_rate,"
                                 "duration,width,height,pix_fmt -of default=noprint_wrappers=1 '"
                               + path + "' 2>/dev/null";
     std::map<std::string, std::string> entries;

@@ -5,6 +5,12 @@
 
 #include "platform/log.h"
 
+extern "C" {
+#include <libavformat/avformat.h>
+#include <libavutil/pixdesc.h>
+#include <libswscale/swscale.h>
+}
+
 #include <algorithm>
 #include <cstdarg>
 #include <mutex>
@@ -27,6 +33,41 @@ const std::array<MovieCodecSetup, 5> kCodecs{{
 double qualityFraction(int quality)
 {
     return std::clamp(quality, 0, 1023) / 1023.0;
+}
+
+// The first pixel format of the encoder's list that the scaler can make from RGBA:
+// encoders list their preferred format first.
+std::optional<AVPixelFormat> encoderPixelFormat(const AVCodec& encoder)
+{
+    for (const AVPixelFormat* format = encoder.pix_fmts; format && *format != AV_PIX_FMT_NONE; ++format)
+        if (sws_isSupportedOutput(*format) > 0)
+            return *format;
+    return std::nullopt;
+}
+
+// A code outside the table: what it means in a QuickTime file, and FFmpeg's encoder for
+// that, unless the encoder is experimental or takes no pictures the scaler can make.
+std::optional<MovieCodecSetup> quickTimeCodecSetup(FourCharCode code)
+{
+    const std::string text = fourCharCodeString(code);
+    const uint32_t tag = MKTAG(text[0], text[1], text[2], text[3]);
+    const AVCodecTag* const tables[] = {avformat_get_mov_video_tags(), nullptr};
+    const AVCodecID id = av_codec_get_id(tables, tag);
+    const AVCodec* encoder = id == AV_CODEC_ID_NONE ? nullptr : avcodec_find_encoder(id);
+    if (!encoder || (encoder->capabilities & AV_CODEC_CAP_EXPERIMENTAL) || encoder->type != AVMEDIA_TYPE_VIDEO)
+        return std::nullopt;
+    const std::optional<AVPixelFormat> format = encoderPixelFormat(*encoder);
+    if (!format)
+        return std::nullopt;
+    const AVPixFmtDescriptor* description = av_pix_fmt_desc_get(*format);
+    return MovieCodecSetup{code,
+                           encoder->name,
+                           *format,
+                           (description->flags & AV_PIX_FMT_FLAG_ALPHA) != 0,
+                           description->log2_chroma_w > 0,
+                           description->log2_chroma_h > 0,
+                           nullptr,
+                           tag};
 }
 
 } // namespace
@@ -57,11 +98,21 @@ std::shared_ptr<const MovieCodecParameters> MovieCodecParameters::copyOf(const A
     return result;
 }
 
-const MovieCodecSetup* movieCodecSetup(FourCharCode code)
+std::optional<MovieCodecSetup> movieCodecSetup(FourCharCode code)
 {
     const auto found = std::find_if(kCodecs.begin(), kCodecs.end(),
                                     [code](const MovieCodecSetup& setup) { return setup.code == code; });
-    return found == kCodecs.end() ? nullptr : &*found;
+    if (found != kCodecs.end())
+        return *found;
+    return quickTimeCodecSetup(code);
+}
+
+std::vector<FourCharCode> standardMovieCodecs()
+{
+    std::vector<FourCharCode> codes;
+    for (const MovieCodecSetup& setup : kCodecs)
+        codes.push_back(setup.code);
+    return codes;
 }
 
 int qscaleForQuality(int quality)
@@ -116,7 +167,7 @@ std::string ffmpegErrorText(int error)
 
 bool isMovieCodecAvailable(FourCharCode codecType)
 {
-    const MovieCodecSetup* setup = movieCodecSetup(codecType);
+    const std::optional<MovieCodecSetup> setup = movieCodecSetup(codecType);
     return setup && avcodec_find_encoder_by_name(setup->encoderName) != nullptr;
 }
 

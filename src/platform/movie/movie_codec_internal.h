@@ -8,6 +8,8 @@ extern "C" {
 }
 
 #include <memory>
+#include <optional>
+#include <vector>
 
 namespace plyra {
 
@@ -39,10 +41,16 @@ struct MovieCodecSetup {
     bool needsEvenHeight;
     /// Set when FFmpeg has no encoder for the code and a close relative is written instead.
     const char* substituteNote;
+    /// The tag the file stores for the track; 0 leaves it to the encoder and the muxer.
+    uint32_t codecTag = 0;
 };
 
-/// The set-up for a codec code, or null when the code is not one of ours.
-const MovieCodecSetup* movieCodecSetup(FourCharCode code);
+/// The set-up for a codec code: one of the five codecs every movie can use, else the
+/// encoder FFmpeg has for what the code means in a QuickTime file ("jpeg" is Photo-JPEG,
+/// "png " PNG); none when nothing here can write the code.
+std::optional<MovieCodecSetup> movieCodecSetup(FourCharCode code);
+/// The five codes of the table, in its order, each always available.
+std::vector<FourCharCode> standardMovieCodecs();
 
 /// Quality (0..1023) onto each encoder's own scale; higher quality never means a
 /// coarser setting.

@@ -89,10 +89,10 @@ MovieEncoder::~MovieEncoder()
 std::unique_ptr<MovieEncoder> MovieEncoder::create(FourCharCode codecType, int quality, int width, int height,
                                                    int32_t timeScale, MovieStatus* status)
 {
-    const MovieCodecSetup* setup = movieCodecSetup(codecType);
+    const std::optional<MovieCodecSetup> setup = movieCodecSetup(codecType);
     if (!setup) {
         report(status, MovieStatus::failure(kMovieCodecUnavailable, formatString(
-            "No codec for the code \"%s\"", fourCharCodeString(codecType).c_str())));
+            "No encoder here writes the codec \"%s\" into a QuickTime movie", fourCharCodeString(codecType).c_str())));
         return nullptr;
     }
     if (width < 1 || height < 1 || width > 16384 || height > 16384) {
@@ -134,6 +134,13 @@ AVDictionary* MovieEncoder::configureCodec()
     if (name == "mjpeg") {
         m_context->color_range = AVCOL_RANGE_JPEG;
         m_context->codec_tag = MKTAG('m', 'j', 'p', 'a');
+    }
+    if (m_setup.codecTag != 0) {
+        // A code outside the table: its encoder's fixed-quantiser scale where it has one,
+        // and the code itself as the track's tag.
+        m_context->codec_tag = m_setup.codecTag;
+        m_context->flags |= AV_CODEC_FLAG_QSCALE;
+        m_context->global_quality = qscaleForQuality(m_quality) * FF_QP2LAMBDA;
     }
     if (name == "libx264") {
         av_dict_set_int(&options, "crf", crfForQuality(m_quality), 0);

@@ -57,7 +57,7 @@ private:
     MovieStatus fillFrame(const RgbaImage& image);
     MovieStatus drain(const PacketSink& sink);
 
-    const MovieCodecSetup& m_setup;
+    MovieCodecSetup m_setup;
     FourCharCode m_codecType;
     int m_quality;
     AVCodecContext* m_context = nullptr;

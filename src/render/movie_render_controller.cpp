@@ -35,9 +35,7 @@ MovieRenderController::MovieRenderController(MorphDocument& document)
 
 MovieRenderController::~MovieRenderController()
 {
-    stop();
-    m_writer.reset();
-    cleanUpTempPaths();
+    closeMovie();
 }
 
 std::string MovieRenderController::codec() const
@@ -52,11 +50,8 @@ int MovieRenderController::quality() const
 
 bool MovieRenderController::recalc()
 {
-    if (m_writer) {
-        stop();
-        m_writer.reset();
-        cleanUpTempPaths();
-    }
+    if (m_writer)
+        closeMovie();
     m_error.clear();
     if (!checkCompression() || !makeTemporaryMovie())
         return false;
@@ -121,6 +116,12 @@ bool MovieRenderController::makeTemporaryMovie()
     m_writer = std::make_unique<AsyncMovieWriter>(std::move(movie));
     m_framesAppended = 0;
     m_appendFailed = false;
+    // Read here, on the owner's thread: the document is not for the conversion thread.
+    // A change of codec, quality or rate starts a new render and with it a new movie.
+    const MovieTime duration{frameDurationValue(fps), kMovieTimeScale, 0};
+    const AddImageAttributes attributes{fourCharCode(codec()), quality()};
+    m_conversions = std::make_unique<FrameConversionQueue>(
+        [this, duration, attributes](std::optional<Bitmap> bitmap) { appendFrame(std::move(bitmap), duration, attributes); });
     return true;
 }
 
@@ -131,12 +132,18 @@ void MovieRenderController::consumeFinishedJobs()
     if (stopOnWriterFailure())
         return;
     // Strictly in frame order: a later frame that finished first waits for the earlier.
-    // Frames waiting for the encoder hold memory, so only a few may wait at a time.
+    // Frames waiting to be rendered or compressed hold memory, so only a few may wait.
     while (!jobs().empty() && jobs().front()->isDone() && Clock::now() - start < m_appendBudget
-        && m_writer && m_writer->numberOfImagesInQueue() < kMaxFramesWaiting) {
-        appendFrame(jobs().front());
+        && m_conversions && framesWaiting() < kMaxFramesWaiting) {
+        m_conversions->push(jobs().front()->outputImage());
+        ++m_framesAppended;
         jobs().pop_front();
     }
+}
+
+unsigned MovieRenderController::framesWaiting() const
+{
+    return m_conversions->pending() + m_writer->numberOfImagesInQueue();
 }
 
 bool MovieRenderController::stopOnWriterFailure()
@@ -151,12 +158,12 @@ bool MovieRenderController::stopOnWriterFailure()
     return true;
 }
 
-bool MovieRenderController::appendFrame(const MorphCalculationJob::Ptr& job)
+void MovieRenderController::appendFrame(std::optional<Bitmap> bitmap, const MovieTime& duration,
+    const AddImageAttributes& attributes)
 {
-    std::optional<Bitmap> bitmap = bitmapFromImage(job->outputImage());
-    if (!bitmap || !m_writer) {
+    if (!bitmap) {
         m_appendFailed = true;
-        return false;
+        return;
     }
     const int width = bitmap->width();
     const int height = bitmap->height();
@@ -164,10 +171,7 @@ bool MovieRenderController::appendFrame(const MorphCalculationJob::Ptr& job)
     RgbaImage frame = bitmap->bytesPerRow() == static_cast<std::size_t>(width) * 4
         ? RgbaImage::adoptPixels(bitmap->releasePixels(), width, height)
         : RgbaImage::fromPixels(bitmap->data(), width, height, bitmap->bytesPerRow());
-    const MovieTime duration{frameDurationValue(settings().framesPerSecond()), kMovieTimeScale, 0};
-    m_writer->asyncAddImage(std::move(frame), duration, AddImageAttributes{fourCharCode(codec()), quality()});
-    ++m_framesAppended;
-    return true;
+    m_writer->asyncAddImage(std::move(frame), duration, attributes);
 }
 
 bool MovieRenderController::saveRenderedMovie(const QString& path, QString* error)
@@ -202,8 +206,17 @@ const Movie* MovieRenderController::movie()
 {
     if (!m_writer)
         return nullptr;
+    m_conversions->waitUntilIdle();
     m_writer->waitForAsyncImageAddToFinish();
     return &m_writer->movie();
+}
+
+void MovieRenderController::closeMovie()
+{
+    stop();
+    m_conversions.reset();
+    m_writer.reset();
+    cleanUpTempPaths();
 }
 
 void MovieRenderController::cleanUpTempPaths()

@@ -3,10 +3,12 @@
 
 #include "platform/movie/movie.h"
 #include "render/async_movie_writer.h"
+#include "render/frame_conversion_queue.h"
 #include "render/render_controller.h"
 
 #include <QString>
 
+#include <atomic>
 #include <chrono>
 #include <memory>
 #include <string>
@@ -15,9 +17,11 @@ namespace plyra {
 
 /// Renders the morph as a movie: a new movie in a temporary file under /tmp before
 /// every render, finished frames appended strictly in frame order with the document's
-/// codec and quality, and a self-contained copy written on save. The main thread turns
-/// finished jobs into frames; an asynchronous writer compresses them on a thread of its
-/// own, so that the morph and the encoder work at the same time. Memory does not grow
+/// codec and quality, and a self-contained copy written on save. A tick hands finished
+/// jobs over in order; a conversion queue renders them into frames and an asynchronous
+/// writer compresses them, each on a thread of its own, so that the polling thread never
+/// renders a whole frame and the morph, the rendering and the encoder work at the same
+/// time. Memory does not grow
 /// with the number of frames: the morpher gets only a few jobs ahead of the frames
 /// appended, at most a few frames wait for the encoder (a tick takes no more jobs while
 /// they do), and the first failed append (a full disk) ends the render with its reason.
@@ -41,7 +45,7 @@ public:
     bool recalc() override;
     /// Why the last recalc or the render failed; empty while nothing has.
     const QString& errorString() const { return m_error; }
-    /// Frames handed to the movie so far (some may still be compressed).
+    /// Frames handed to the movie so far (some may still be rendered or compressed).
     int framesAppended() const { return m_framesAppended; }
     /// The movie, once every frame handed over has been compressed into it.
     const Movie* movie();
@@ -52,6 +56,11 @@ public:
     bool saveRenderedMovie(const QString& path, QString* error = nullptr);
     /// Removes the temporary file.
     void cleanUpTempPaths();
+    /// Stops rendering, closes the movie and its storage and removes the temporary file.
+    void closeMovie();
+    /// The writer that holds the movie while it grows, for showing it without waiting
+    /// (take its lock with tryLock()); null when there is no movie.
+    AsyncMovieWriter* writer() const { return m_writer.get(); }
 
 protected:
     void consumeFinishedJobs() override;
@@ -60,17 +69,22 @@ protected:
 private:
     bool checkCompression();
     bool makeTemporaryMovie();
-    bool appendFrame(const MorphCalculationJob::Ptr& job);
+    // Runs on the conversion thread.
+    void appendFrame(std::optional<Bitmap> bitmap, const MovieTime& duration, const AddImageAttributes& attributes);
+    unsigned framesWaiting() const;
     bool stopOnWriterFailure();
 
     std::unique_ptr<AsyncMovieWriter> m_writer;
+    // Declared after the writer, so that it stops before the writer goes.
+    std::unique_ptr<FrameConversionQueue> m_conversions;
     std::string m_tempPath;
     std::optional<std::string> m_codec;
     std::optional<int> m_quality;
     std::chrono::milliseconds m_appendBudget{300};
     int m_framesAppended = 0;
-    static constexpr unsigned kMaxFramesWaiting = 2;
-    bool m_appendFailed = false;
+    // Enough for the frames that finish between two ticks of an interface's 0.1 s poll.
+    static constexpr unsigned kMaxFramesWaiting = 4;
+    std::atomic<bool> m_appendFailed{false};
     QString m_error;
     std::string m_checkedCompression; // the codec, quality and size last found to work
 };

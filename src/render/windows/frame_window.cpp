@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: MIT
+#include "render/windows/frame_window.h"
+
+#include "render/frame_output.h"
+#include "render/frame_render_controller.h"
+#include "render/windows/frame_view.h"
+#include "render/windows/render_settings_sheet.h"
+#include "render/windows/render_toolbar.h"
+
+#include <QImageWriter>
+#include <QSaveFile>
+#include <QSignalBlocker>
+#include <QSlider>
+#include <QWidgetAction>
+
+#include <cmath>
+
+namespace plyra {
+namespace {
+
+bool saveFrameAsPng(const Bitmap& bitmap, const QString& path, QString* error)
+{
+    auto fail = [error](const QString& reason) {
+        if (error)
+            *error = reason;
+        return false;
+    };
+    if (bitmap.isEmpty())
+        return fail(FrameWindow::tr("No frame has been rendered yet."));
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        return fail(file.errorString());
+    QImageWriter writer(&file, "png");
+    if (!writer.write(imageFromBitmap(bitmap))) {
+        file.cancelWriting();
+        return fail(writer.errorString());
+    }
+    if (!file.commit())
+        return fail(file.errorString());
+    return true;
+}
+
+} // namespace
+
+FrameWindow::FrameWindow(MorphDocument& document, QWidget* parent)
+    : RenderWindow(document, std::make_unique<FrameRenderController>(document), parent)
+{
+    setObjectName(QStringLiteral("frameWindow"));
+    setAccessibleName(tr("Rendered image"));
+    m_imageView = new FrameView(this);
+    setCentralWidget(m_imageView);
+    setResultView(m_imageView);
+    m_imageView->setContentsMargins(8, 8, 8, 8);
+
+    m_slider = new QSlider(Qt::Horizontal, this);
+    m_slider->setRange(0, kSliderSteps);
+    m_slider->setSingleStep(kSliderSteps / 100);
+    m_slider->setPageStep(kSliderSteps / 10);
+    m_slider->setValue(static_cast<int>(std::lround(time() * kSliderSteps)));
+    m_slider->setMinimumWidth(50);
+    m_slider->setFixedHeight(21);
+    m_slider->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    m_slider->setAccessibleName(tr("Morph position"));
+    m_slider->setToolTip(tr("The morph time of the frame"));
+    connect(m_slider, &QSlider::valueChanged, this, &FrameWindow::takeTimeFromSlider);
+    QAction* sliderItem = toolbar()->addWidgetItem(QString::fromLatin1(kTimeSliderIdentifier), tr("Morph position"), m_slider);
+    // Between Save and Settings, as the slider's place in the toolbar.
+    toolbar()->removeAction(sliderItem);
+    toolbar()->insertAction(toolbar()->itemWithIdentifier(QString::fromLatin1(RenderToolbar::kSettingsIdentifier)), sliderItem);
+    static_cast<QWidgetAction*>(sliderItem)->defaultWidget()->setMinimumWidth(200);
+    resize(600, 400 + toolbar()->sizeHint().height());
+    refreshTitle();
+}
+
+FrameRenderController& FrameWindow::renderer() const
+{
+    return static_cast<FrameRenderController&>(controller());
+}
+
+float FrameWindow::time() const
+{
+    return renderer().time();
+}
+
+void FrameWindow::setTime(float time)
+{
+    if (!renderer().setTime(time))
+        return;
+    refreshTitle();
+    delayedRecalc();
+    const QSignalBlocker blocker(m_slider);
+    m_slider->setValue(static_cast<int>(std::lround(time * kSliderSteps)));
+    emit timeChanged(time);
+}
+
+void FrameWindow::takeTimeFromSlider(int value)
+{
+    setTime(static_cast<float>(value) / kSliderSteps);
+}
+
+QSize FrameWindow::viewSize() const
+{
+    return m_imageView->contentsRect().size();
+}
+
+void FrameWindow::showPolledResults()
+{
+    const std::optional<Bitmap>& bitmap = renderer().bitmap();
+    // The frame is consumed once its job is done; until then the old frame stays.
+    if (bitmap && renderer().morphJobs().empty())
+        m_imageView->setImage(imageFromBitmap(*bitmap));
+}
+
+QString FrameWindow::windowTitleForDocumentDisplayName(const QString& name) const
+{
+    const double percent = static_cast<double>(time()) * 100.0;
+    return tr("%1 rendered image %2%").arg(name, QString::number(percent, 'f', 0));
+}
+
+RenderSettingsSheet* FrameWindow::createSettingsSheet()
+{
+    return new RenderSettingsSheet(RenderSettingsSheet::Contents::FrameSize, this);
+}
+
+SaveFileTypes FrameWindow::saveFileTypes() const
+{
+    return {QStringLiteral("jpg"), {QStringLiteral("png"), QStringLiteral("jpeg")},
+        {tr("JPEG image (*.jpg *.jpeg)"), tr("PNG image, lossless (*.png)")}};
+}
+
+bool FrameWindow::saveRenderedFramesToPath(const QString& path, QString* error)
+{
+    if (path.endsWith(QStringLiteral(".png"), Qt::CaseInsensitive)) {
+        static const Bitmap none;
+        return saveFrameAsPng(renderer().bitmap() ? *renderer().bitmap() : none, path, error);
+    }
+    return renderer().saveRenderedFrame(path, error);
+}
+
+} // namespace plyra

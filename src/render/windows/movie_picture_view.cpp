@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+#include "render/windows/movie_picture_view.h"
+
+#include <QPainter>
+
+namespace plyra {
+
+MoviePictureView::MoviePictureView(QWidget* parent)
+    : QWidget(parent)
+{
+    setObjectName(QStringLiteral("moviePicture"));
+    setAccessibleName(tr("Movie"));
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setMinimumSize(64, 48);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+}
+
+void MoviePictureView::setImage(const QImage& image)
+{
+    m_image = image;
+    m_scaled = QImage();
+    update();
+}
+
+void MoviePictureView::setPreservesAspectRatio(bool preserve)
+{
+    if (preserve == m_preserveAspect)
+        return;
+    m_preserveAspect = preserve;
+    m_scaled = QImage();
+    update();
+}
+
+QRect MoviePictureView::imageRect() const
+{
+    if (m_image.isNull())
+        return {};
+    if (!m_preserveAspect)
+        return rect();
+    const QSize size = m_image.size().scaled(this->size(), Qt::KeepAspectRatio);
+    return QRect(QPoint((width() - size.width()) / 2, (height() - size.height()) / 2), size);
+}
+
+void MoviePictureView::resizeEvent(QResizeEvent* event)
+{
+    m_scaled = QImage();
+    QWidget::resizeEvent(event);
+}
+
+void MoviePictureView::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    painter.fillRect(rect(), Qt::black);
+    if (m_image.isNull())
+        return;
+    const QRect target = imageRect();
+    if (m_scaled.size() != target.size())
+        m_scaled = m_image.size() == target.size()
+            ? m_image
+            : m_image.scaled(target.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    painter.drawImage(target.topLeft(), m_scaled);
+}
+
+} // namespace plyra

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QImage>
+#include <QWidget>
+
+namespace plyra {
+
+/// The picture of the movie player: the current frame on black, scaled to the view,
+/// keeping the movie's proportions unless told to stretch.
+/// Threads: main thread.
+class MoviePictureView : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit MoviePictureView(QWidget* parent = nullptr);
+
+    void setImage(const QImage& image);
+    const QImage& image() const { return m_image; }
+    void setPreservesAspectRatio(bool preserve);
+    bool preservesAspectRatio() const { return m_preserveAspect; }
+    /// Where the frame is drawn within the view.
+    QRect imageRect() const;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    QImage m_image;
+    // The frame scaled to imageRect(), made once per frame and size: scaling a large
+    // frame at every paint would cost the main thread more than decoding it.
+    QImage m_scaled;
+    bool m_preserveAspect = true;
+};
+
+} // namespace plyra

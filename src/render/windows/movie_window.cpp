@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: MIT
+#include "render/windows/movie_window.h"
+
+#include "model/morph_document.h"
+#include "platform/qt/user_defaults.h"
+#include "render/movie_codecs.h"
+#include "render/movie_render_controller.h"
+#include "render/windows/movie_picture_view.h"
+#include "render/windows/movie_player.h"
+#include "render/windows/movie_settings_sheet.h"
+#include "render/windows/render_toolbar.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+
+#include <cmath>
+
+namespace plyra {
+
+MovieWindow::MovieWindow(MorphDocument& document, QWidget* parent)
+    : RenderWindow(document, std::make_unique<MovieRenderController>(document), parent)
+{
+    setObjectName(QStringLiteral("movieWindow"));
+    setAccessibleName(tr("Rendered movie"));
+    m_player = new MoviePlayer(this);
+    setCentralWidget(m_player);
+    setResultView(m_player->pictureView());
+    // The movie's own size when the document has one, else 600 × 400; nothing is laid
+    // out yet, so the window's size is put together from the size hints.
+    const FrameSize movieSize = frameSize();
+    const QSize picture = movieSize.isSet() ? fittedPictureSize(movieSize) : QSize(600, 400);
+    resize(picture.width(), picture.height() + m_player->controllerBarHeight() + toolbar()->sizeHint().height());
+    refreshTitle();
+}
+
+MovieWindow::~MovieWindow()
+{
+    m_player->setWriter(nullptr);
+}
+
+MovieRenderController& MovieWindow::renderer() const
+{
+    return static_cast<MovieRenderController&>(controller());
+}
+
+QSize MovieWindow::viewSize() const
+{
+    return m_player->pictureView()->size();
+}
+
+QSize MovieWindow::fittedPictureSize(FrameSize movieSize) const
+{
+    QSize picture(static_cast<int>(movieSize.width), static_cast<int>(movieSize.height));
+    // A movie larger than the screen is shown scaled down rather than off the screen.
+    if (const QScreen* screen = this->screen() ? this->screen() : QGuiApplication::primaryScreen()) {
+        const QSize room = screen->availableSize() * 0.75;
+        if (picture.width() > room.width() || picture.height() > room.height())
+            picture = picture.scaled(room, Qt::KeepAspectRatio);
+    }
+    return picture;
+}
+
+void MovieWindow::sizeWindowToMovie()
+{
+    const FrameSize movieSize = frameSize();
+    if (!movieSize.isSet())
+        return;
+    resize(size() + (fittedPictureSize(movieSize) - m_player->pictureView()->size()));
+}
+
+bool MovieWindow::startRender()
+{
+    // The player lets go of the old movie before it is closed.
+    m_player->setWriter(nullptr);
+    const bool started = renderer().recalc();
+    m_framesShown = 0;
+    m_complete = false;
+    m_player->setWriter(renderer().writer());
+    updateAspectMode();
+    if (!sizesToView())
+        sizeWindowToMovie();
+    return started;
+}
+
+void MovieWindow::showPolledResults()
+{
+    const int appended = renderer().framesAppended();
+    if (appended != m_framesShown) {
+        m_framesShown = appended;
+        // The view steps to the newest frame; with frames of no duration it stays at the start.
+        const std::int64_t duration = frameDurationValue(renderer().settings().framesPerSecond());
+        m_player->setCurrentTime(duration > 0 ? (appended - 1) * duration : 0);
+        refreshTitle();
+    }
+    if (renderer().morphJobs().empty() && !m_complete) {
+        m_complete = true;
+        refreshTitle();
+        m_player->gotoBeginning();
+        m_player->play();
+    }
+}
+
+QString MovieWindow::windowTitleForDocumentDisplayName(const QString& name) const
+{
+    const float progress = renderer().progress();
+    if (progress < 0.99999f)
+        return tr("%1 rendering movie (%2%)").arg(name, QString::number(static_cast<double>(progress) * 100.0, 'f', 0));
+    return tr("%1 rendered movie").arg(name);
+}
+
+RenderSettingsSheet* MovieWindow::createSettingsSheet()
+{
+    return new MovieSettingsSheet(this);
+}
+
+void MovieWindow::prepareSettingsSheet(RenderSettingsSheet& sheet)
+{
+    static_cast<MovieSettingsSheet&>(sheet).loadCodec(document().codecFormat(), document().codecQuality());
+}
+
+void MovieWindow::applySheetSettings(const RenderSettingsSheet& sheet)
+{
+    const auto& movieSheet = static_cast<const MovieSettingsSheet&>(sheet);
+    const QString codec = movieSheet.codecFormat();
+    const int quality = movieSheet.codecQuality();
+    document().setCodecFormat(codec);
+    document().setCodecQuality(quality);
+    // New documents start with the last choice.
+    UserDefaults::standard().setObject(QStringLiteral("codecFormat"), codec);
+    UserDefaults::standard().setInteger(QStringLiteral("codecQuality"), quality);
+    RenderWindow::applySheetSettings(sheet);
+    updateAspectMode();
+}
+
+void MovieWindow::updateAspectMode()
+{
+    m_player->pictureView()->setPreservesAspectRatio(frameRatioMode() != static_cast<int>(FrameRatioMode::Free));
+}
+
+SaveFileTypes MovieWindow::saveFileTypes() const
+{
+    return {QStringLiteral("mov"), {}, {tr("QuickTime movie (*.mov)")}};
+}
+
+bool MovieWindow::saveRenderedFramesToPath(const QString& path, QString* error)
+{
+    const bool saved = renderer().saveRenderedMovie(path, error);
+    // Saving waited for the last frames: the player may show them now.
+    m_player->refresh();
+    return saved;
+}
+
+void MovieWindow::windowClosed()
+{
+    m_player->pause();
+    m_player->setWriter(nullptr);
+    renderer().closeMovie();
+}
+
+} // namespace plyra

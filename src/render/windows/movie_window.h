@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "render/windows/render_window.h"
+
+namespace plyra {
+
+class MoviePlayer;
+class MovieRenderController;
+class MovieSettingsSheet;
+
+/// The movie window: the morph rendered as a movie that grows in a temporary file while
+/// its frames finish, shown in a player that steps forward as frames arrive and plays
+/// from the start once the movie is complete, saved as a self-contained movie. Its
+/// settings sheet adds the codec and the quality, kept in the document and in the user
+/// defaults for new documents. Each render writes a fresh temporary movie; the previous
+/// one is closed and removed, and so is the last when the window closes.
+/// Threads: main thread.
+class MovieWindow : public RenderWindow {
+    Q_OBJECT
+
+public:
+    explicit MovieWindow(MorphDocument& document, QWidget* parent = nullptr);
+    ~MovieWindow() override;
+
+    MovieRenderController& renderer() const;
+    MoviePlayer* player() const { return m_player; }
+
+    /// The player's picture: the controller bar under it is not part of the movie.
+    QSize viewSize() const override;
+    /// Sizes the window so that the picture shows the movie at its own size (within the
+    /// screen).
+    void sizeWindowToMovie();
+
+protected:
+    bool startRender() override;
+    void showPolledResults() override;
+    QString windowTitleForDocumentDisplayName(const QString& name) const override;
+    RenderSettingsSheet* createSettingsSheet() override;
+    void prepareSettingsSheet(RenderSettingsSheet& sheet) override;
+    void applySheetSettings(const RenderSettingsSheet& sheet) override;
+    SaveFileTypes saveFileTypes() const override;
+    bool saveRenderedFramesToPath(const QString& path, QString* error) override;
+    void windowClosed() override;
+
+private:
+    void updateAspectMode();
+    QSize fittedPictureSize(FrameSize movieSize) const;
+
+    MoviePlayer* m_player = nullptr;
+    int m_framesShown = 0;
+    bool m_complete = false;
+};
+
+} // namespace plyra

@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+#include "render/windows/render_save_dialog.h"
+
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+
+namespace plyra {
+QString RenderSaveDialog::pathWithRequiredExtension(const QString& path, const SaveFileTypes& types)
+{
+    QStringList accepted = types.alternativeExtensions;
+    accepted.prepend(types.requiredExtension);
+    for (const QString& extension : accepted)
+        if (path.endsWith(QLatin1Char('.') + extension, Qt::CaseInsensitive))
+            return path;
+    return path + QLatin1Char('.') + types.requiredExtension;
+}
+
+QString RenderSaveDialog::startPath(const QString& documentPath, const QString& requiredExtension)
+{
+    if (documentPath.isEmpty())
+        return QDir::homePath();
+    const QFileInfo document(documentPath);
+    return document.dir().filePath(document.completeBaseName() + QLatin1Char('.') + requiredExtension);
+}
+
+void RenderSaveDialog::run(QWidget* window, const QString& documentPath, const SaveFileTypes& types,
+    std::function<void(const QString&)> save)
+{
+    auto* dialog = new QFileDialog(window, tr("Save"));
+    dialog->setObjectName(QStringLiteral("saveDialog"));
+    dialog->setAccessibleName(tr("Save"));
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setFileMode(QFileDialog::AnyFile);
+    dialog->setWindowModality(Qt::WindowModal);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setNameFilters(types.nameFilters);
+    dialog->setDefaultSuffix(types.requiredExtension);
+    const QString start = startPath(documentPath, types.requiredExtension);
+    if (documentPath.isEmpty()) {
+        dialog->setDirectory(start);
+    } else {
+        dialog->setDirectory(QFileInfo(start).absolutePath());
+        dialog->selectFile(QFileInfo(start).fileName());
+    }
+    // The suffix of the chosen file type is the one a bare name gets.
+    QObject::connect(dialog, &QFileDialog::filterSelected, dialog, [dialog, types](const QString& filter) {
+        const int index = types.nameFilters.indexOf(filter);
+        const QStringList all = QStringList{types.requiredExtension} + types.alternativeExtensions;
+        dialog->setDefaultSuffix(index >= 0 && index < all.size() ? all[index] : types.requiredExtension);
+    });
+    QObject::connect(dialog, &QFileDialog::fileSelected, window, [types, save](const QString& path) {
+        save(pathWithRequiredExtension(path, types));
+    });
+    dialog->open();
+}
+
+void RenderSaveDialog::showSaveFailedAlert(QWidget* window, const QString& path, const QString& reason)
+{
+    auto* alert = new QMessageBox(QMessageBox::Critical, tr("Saving failed"), tr("Could not save to %1").arg(path),
+        QMessageBox::Ok, window);
+    alert->setObjectName(QStringLiteral("saveFailedAlert"));
+    alert->setAccessibleName(tr("Saving failed"));
+    alert->setInformativeText(reason);
+    alert->setWindowModality(Qt::WindowModal);
+    alert->setAttribute(Qt::WA_DeleteOnClose);
+    alert->open();
+}
+
+} // namespace plyra

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QCoreApplication>
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+
+class QWidget;
+
+namespace plyra {
+
+/// What a render window's save dialog offers: the extension the file must have, other
+/// extensions it may have instead, and the file-type filters shown.
+struct SaveFileTypes {
+    QString requiredExtension;
+    QStringList alternativeExtensions;
+    QStringList nameFilters;
+};
+
+/// The save dialog of the render windows and the alert of a failed save.
+/// Threads: main thread.
+class RenderSaveDialog {
+    Q_DECLARE_TR_FUNCTIONS(plyra::RenderSaveDialog)
+
+public:
+    /// The path with the required extension appended unless it already ends in it or in
+    /// one of the alternatives (compared without regard to case).
+    static QString pathWithRequiredExtension(const QString& path, const SaveFileTypes& types);
+
+    /// Where the dialog starts: beside the document, named after it with the required
+    /// extension, or in the home folder without a name for a document never saved.
+    static QString startPath(const QString& documentPath, const QString& requiredExtension);
+
+    /// Runs the dialog as a sheet of the window; calls `save` with the chosen path
+    /// (extension enforced) once the user confirms.
+    static void run(QWidget* window, const QString& documentPath, const SaveFileTypes& types,
+        std::function<void(const QString&)> save);
+
+    /// The alert of a failed save: "Saving failed", "Could not save to PATH", the reason.
+    static void showSaveFailedAlert(QWidget* window, const QString& path, const QString& reason);
+};
+
+} // namespace plyra

@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QDialog>
+
+#include <array>
+#include <cstdint>
+#include <optional>
+
+class QButtonGroup;
+class QCheckBox;
+class QComboBox;
+class QDialogButtonBox;
+class QFormLayout;
+class QLabel;
+class QLineEdit;
+class QRadioButton;
+
+namespace plyra {
+
+/// The settings a render sheet edits; the timing entries are absent from a sheet without
+/// timing controls (the single-frame window's).
+struct SheetSettings {
+    std::optional<std::uint32_t> numberOfFrames;
+    std::optional<float> framesPerSecond;
+    std::optional<bool> reverse;
+    int frameWidth = 0;
+    int frameHeight = 0;
+    int frameRatioMode = 0;
+    bool sizeToView = true;
+};
+
+/// The settings sheet of a render window: frame count, rate and total duration, the
+/// direction, the frame size (following the window or fixed) and the ratio it keeps.
+/// Dependent fields follow as the user types: the duration, the enabled size fields and
+/// the other side of a ratio-bound size.
+/// Threads: main thread.
+class RenderSettingsSheet : public QDialog {
+    Q_OBJECT
+
+public:
+    enum class Contents { FrameSize, FrameSizeAndTiming };
+
+    explicit RenderSettingsSheet(Contents contents, QWidget* parent = nullptr);
+
+    /// Fills every control from the settings; aspectRatios are the document's width ÷
+    /// height of the first and the last image, used while the ratio is bound.
+    void load(const SheetSettings& settings, std::array<float, 2> aspectRatios);
+    /// The settings as the controls show them now.
+    SheetSettings values() const;
+
+    // The controls, for the window that runs the sheet and for tests; null when absent.
+    QLineEdit* numberOfFramesField() const { return m_numberOfFrames; }
+    QLineEdit* framesPerSecondField() const { return m_framesPerSecond; }
+    QLabel* durationField() const { return m_duration; }
+    QCheckBox* reverseSwitch() const { return m_reverse; }
+    QComboBox* ratioPopup() const { return m_ratioPopup; }
+    QRadioButton* sizeToWindowButton() const { return m_sizeToWindow; }
+    QRadioButton* fixedSizeButton() const { return m_fixedSize; }
+    QLineEdit* frameWidthField() const { return m_frameWidth; }
+    QLineEdit* frameHeightField() const { return m_frameHeight; }
+    QDialogButtonBox* buttons() const { return m_buttons; }
+
+protected:
+    /// Where subclasses add rows of their own.
+    QFormLayout* form() const { return m_form; }
+
+private:
+    void buildTimingRows();
+    void buildSizeRows();
+    void numberOfFramesFieldChanged();
+    void framesPerSecondFieldChanged();
+    void sizeToWindowButtonChanged();
+    void frameWidthFieldChanged();
+    void frameHeightFieldChanged();
+    void ratioPopupChanged();
+    void updateOkButton();
+    std::optional<float> boundAspectRatio() const;
+    int intValue(const QLineEdit* field) const;
+    float floatValue(const QLineEdit* field) const;
+
+    QFormLayout* m_form = nullptr;
+    QLineEdit* m_numberOfFrames = nullptr;
+    QLineEdit* m_framesPerSecond = nullptr;
+    QLabel* m_duration = nullptr;
+    QCheckBox* m_reverse = nullptr;
+    QComboBox* m_ratioPopup = nullptr;
+    QButtonGroup* m_sizeChoice = nullptr;
+    QRadioButton* m_sizeToWindow = nullptr;
+    QRadioButton* m_fixedSize = nullptr;
+    QLineEdit* m_frameWidth = nullptr;
+    QLineEdit* m_frameHeight = nullptr;
+    QDialogButtonBox* m_buttons = nullptr;
+    std::array<float, 2> m_aspectRatios{1.0f, 1.0f};
+};
+
+} // namespace plyra

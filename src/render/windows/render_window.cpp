@@ -1,0 +1,299 @@
+// SPDX-License-Identifier: MIT
+#include "render/windows/render_window.h"
+
+#include "model/morph_document.h"
+#include "render/render_controller.h"
+#include "render/windows/progress_pie.h"
+#include "render/windows/render_scheduler.h"
+#include "render/windows/render_settings_sheet.h"
+#include "render/windows/render_toolbar.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QIcon>
+#include <QShowEvent>
+
+namespace plyra {
+
+RenderWindow::RenderWindow(MorphDocument& document, std::unique_ptr<RenderController> controller, QWidget* parent)
+    : QMainWindow(parent, Qt::Window)
+    , m_document(document)
+    , m_controller(std::move(controller))
+    , m_scheduler(new RenderScheduler(*m_controller, this))
+    , m_displayName(tr("Untitled"))
+{
+    setAttribute(Qt::WA_DeleteOnClose, false);
+    connect(m_scheduler, &RenderScheduler::recalcRequested, this, &RenderWindow::recalc);
+    connect(m_scheduler, &RenderScheduler::polled, this, &RenderWindow::polled);
+    buildToolbar();
+    auto* close = new QAction(tr("Close"), this);
+    close->setShortcut(QKeySequence::Close);
+    connect(close, &QAction::triggered, this, &QWidget::close);
+    addAction(close);
+}
+
+RenderWindow::~RenderWindow()
+{
+    m_scheduler->stop();
+}
+
+void RenderWindow::buildToolbar()
+{
+    m_toolbar = new RenderToolbar(this);
+    addToolBar(m_toolbar);
+    connect(m_toolbar->progressIndicator(), &ProgressPie::clicked, this, &RenderWindow::recalc);
+    auto* saveItem = new QAction(QIcon(QStringLiteral(":/render/save.svg")), tr("Save"), this);
+    saveItem->setToolTip(tr("Save the rendered result"));
+    saveItem->setShortcut(QKeySequence::Save);
+    connect(saveItem, &QAction::triggered, this, &RenderWindow::save);
+    m_toolbar->addItem(QString::fromLatin1(RenderToolbar::kSaveIdentifier), saveItem);
+    auto* settingsItem = new QAction(QIcon(QStringLiteral(":/render/settings.svg")), tr("Settings"), this);
+    settingsItem->setToolTip(tr("Change the render settings"));
+    connect(settingsItem, &QAction::triggered, this, &RenderWindow::showSettings);
+    m_toolbar->addItem(QString::fromLatin1(RenderToolbar::kSettingsIdentifier), settingsItem);
+    validateToolbar();
+}
+
+void RenderWindow::setResultView(QWidget* view)
+{
+    m_resultView = view;
+    view->installEventFilter(this);
+}
+
+void RenderWindow::setDocumentDisplayName(const QString& name)
+{
+    m_displayName = name;
+    refreshTitle();
+}
+
+void RenderWindow::refreshTitle()
+{
+    setWindowTitle(windowTitleForDocumentDisplayName(m_displayName));
+}
+
+void RenderWindow::validateToolbar()
+{
+    m_toolbar->validate(progress());
+}
+
+// ---- settings ---------------------------------------------------------------------------
+
+void RenderWindow::setNumberOfFrames(std::uint32_t frames)
+{
+    if (m_controller->settings().setNumberOfFrames(frames))
+        delayedRecalc();
+}
+
+void RenderWindow::setFramesPerSecond(float fps)
+{
+    if (m_controller->settings().setFramesPerSecond(fps))
+        delayedRecalc();
+}
+
+void RenderWindow::setFrameSize(FrameSize size)
+{
+    if (m_controller->settings().setFrameSize(size))
+        delayedRecalc();
+}
+
+void RenderWindow::setTimeRange(MorphTimeRange range)
+{
+    if (m_controller->settings().setTimeRange(range))
+        delayedRecalc();
+}
+
+void RenderWindow::setReverse(bool reverse)
+{
+    if (m_controller->settings().setReverse(reverse))
+        delayedRecalc();
+}
+
+void RenderWindow::setSizeToView(bool sizeToView)
+{
+    m_controller->settings().setSizeToView(sizeToView);
+}
+
+bool RenderWindow::sizesToView() const
+{
+    return m_controller->settings().sizesToView();
+}
+
+int RenderWindow::frameRatioMode() const
+{
+    return m_controller->settings().frameRatioMode();
+}
+
+FrameSize RenderWindow::frameSize()
+{
+    return m_controller->frameSize();
+}
+
+float RenderWindow::progress() const
+{
+    return m_controller->progress();
+}
+
+QSize RenderWindow::viewSize() const
+{
+    return m_resultView ? m_resultView->size() : centralWidget() ? centralWidget()->size() : size();
+}
+
+void RenderWindow::resizeToView()
+{
+    const QSize view = viewSize();
+    if (view.width() < 1 || view.height() < 1)
+        return; // not laid out yet
+    const int mode = frameRatioMode();
+    const unsigned track = mode == 1 ? 1 : 0;
+    const std::optional<DisplayImage> image = (mode == 0 || mode == 1) ? m_document.imageInTrack(track) : std::nullopt;
+    const float imageRatio = image && image->raster.height() > 0
+        ? static_cast<float>(image->raster.width()) / static_cast<float>(image->raster.height())
+        : 1.0f;
+    setFrameSize(frameSizeForView({static_cast<float>(view.width()), static_cast<float>(view.height())}, mode,
+        image.has_value(), imageRatio, m_document.aspectRatioInTrack(track)));
+}
+
+void RenderWindow::resizeToViewIfSizesToView()
+{
+    if (sizesToView())
+        resizeToView();
+}
+
+// ---- render cycle -----------------------------------------------------------------------
+
+void RenderWindow::delayedRecalc()
+{
+    m_scheduler->delayedRecalc();
+}
+
+bool RenderWindow::documentHasImage() const
+{
+    return m_document.ciimageInTrack(0) || m_document.ciimageInTrack(1);
+}
+
+void RenderWindow::recalc()
+{
+    if (!isVisible() || !documentHasImage())
+        return; // hidden windows do no work; without an image there is nothing to render
+    resizeToViewIfSizesToView();
+    // After the resize, whose new size would otherwise ask for a second render.
+    m_scheduler->cancelDelayedRecalc();
+    if (!startRender())
+        return;
+    m_scheduler->startPolling();
+    refreshTitle();
+    validateToolbar();
+    emit renderStarted();
+}
+
+bool RenderWindow::startRender()
+{
+    return m_controller->recalc();
+}
+
+void RenderWindow::polled()
+{
+    showPolledResults();
+    validateToolbar();
+}
+
+void RenderWindow::showEvent(QShowEvent* event)
+{
+    QMainWindow::showEvent(event);
+    // A window restored from the task bar shows what it had; only showing it anew renders.
+    if (event->spontaneous())
+        return;
+    m_scheduler->setObservingDocument(true);
+    delayedRecalc();
+    refreshTitle();
+}
+
+void RenderWindow::closeEvent(QCloseEvent* event)
+{
+    m_scheduler->stop();
+    m_scheduler->setObservingDocument(false);
+    windowClosed();
+    validateToolbar();
+    event->accept();
+}
+
+bool RenderWindow::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == m_resultView && event->type() == QEvent::Resize)
+        resizeToViewIfSizesToView();
+    return QMainWindow::eventFilter(watched, event);
+}
+
+// ---- saving -----------------------------------------------------------------------------
+
+void RenderWindow::save()
+{
+    RenderSaveDialog::run(this, m_documentPath, saveFileTypes(), [this](const QString& path) { saveToPath(path); });
+}
+
+bool RenderWindow::saveToPath(const QString& path)
+{
+    QString reason;
+    if (saveRenderedFramesToPath(path, &reason))
+        return true;
+    RenderSaveDialog::showSaveFailedAlert(this, path, reason);
+    return false;
+}
+
+// ---- settings sheet ---------------------------------------------------------------------
+
+RenderSettingsSheet* RenderWindow::settingsSheet()
+{
+    if (!m_sheet) {
+        m_sheet = createSettingsSheet();
+        connect(m_sheet, &QDialog::finished, this, &RenderWindow::settingsSheetDidEnd);
+    }
+    return m_sheet;
+}
+
+SheetSettings RenderWindow::sheetSettings()
+{
+    const RenderSettings& settings = m_controller->settings();
+    const FrameSize size = frameSize();
+    SheetSettings sheet;
+    sheet.numberOfFrames = settings.numberOfFrames();
+    sheet.framesPerSecond = settings.framesPerSecond();
+    sheet.reverse = settings.reverse();
+    sheet.frameWidth = static_cast<int>(size.width);
+    sheet.frameHeight = static_cast<int>(size.height);
+    sheet.frameRatioMode = settings.frameRatioMode();
+    sheet.sizeToView = settings.sizesToView();
+    return sheet;
+}
+
+void RenderWindow::showSettings()
+{
+    RenderSettingsSheet* sheet = settingsSheet();
+    sheet->load(sheetSettings(), {m_document.aspectRatioInTrack(0), m_document.aspectRatioInTrack(1)});
+    prepareSettingsSheet(*sheet);
+    sheet->open();
+}
+
+void RenderWindow::settingsSheetDidEnd(int result)
+{
+    if (result == QDialog::Accepted)
+        applySheetSettings(*m_sheet);
+}
+
+void RenderWindow::applySheetSettings(const RenderSettingsSheet& sheet)
+{
+    const SheetSettings values = sheet.values();
+    if (values.numberOfFrames)
+        setNumberOfFrames(*values.numberOfFrames);
+    if (values.framesPerSecond)
+        setFramesPerSecond(*values.framesPerSecond);
+    if (!values.sizeToView)
+        setFrameSize({static_cast<float>(values.frameWidth), static_cast<float>(values.frameHeight)});
+    m_controller->settings().setFrameRatioMode(values.frameRatioMode);
+    setSizeToView(values.sizeToView);
+    if (values.reverse)
+        setReverse(*values.reverse);
+    resizeToViewIfSizesToView();
+}
+
+} // namespace plyra

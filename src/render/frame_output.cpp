@@ -10,12 +10,21 @@
 #include <cstring>
 
 namespace plyra {
+namespace {
+
+constexpr int kFrameDotsPerMeter = 2835; // 72 dpi
+
+} // namespace
 
 QImage imageFromBitmap(const Bitmap& bitmap)
 {
     if (bitmap.isEmpty())
         return {};
     QImage image(bitmap.width(), bitmap.height(), QImage::Format_RGBA8888_Premultiplied);
+    // A fixed resolution of 72 dpi: Qt's default depends on whether a screen is present,
+    // and the same frame must give the same file from a window and from plyra-render.
+    image.setDotsPerMeterX(kFrameDotsPerMeter);
+    image.setDotsPerMeterY(kFrameDotsPerMeter);
     const std::size_t rowBytes = static_cast<std::size_t>(bitmap.width()) * 4;
     for (int y = 0; y < bitmap.height(); ++y)
         std::memcpy(image.scanLine(bitmap.height() - 1 - y), bitmap.row(y), rowBytes);

@@ -143,9 +143,18 @@ void MoviePlayer::gotoBeginning()
     refresh();
 }
 
+void MoviePlayer::settlePlayhead()
+{
+    // A movie that has played to its end stops there, so that moving it later does not
+    // set it playing again.
+    if (!isPlaying())
+        m_playhead.stop(m_source.duration());
+}
+
 void MoviePlayer::setCurrentTime(std::int64_t time)
 {
     m_source.refresh();
+    settlePlayhead();
     m_playhead.setCurrentTime(time, m_source.duration());
     refresh();
 }
@@ -158,6 +167,7 @@ std::int64_t MoviePlayer::currentTime() const
 void MoviePlayer::refresh()
 {
     m_source.refresh();
+    settlePlayhead();
     const std::optional<std::size_t> wanted = m_source.frameIndexAt(currentTime());
     if (wanted && wanted != m_shown) {
         if (std::optional<QImage> image = m_source.decode(*wanted)) {
@@ -191,8 +201,7 @@ void MoviePlayer::updateControls()
 
 void MoviePlayer::sliderMoved(int value)
 {
-    m_playhead.setCurrentTime(value, m_source.duration());
-    refresh();
+    setCurrentTime(value);
 }
 
 void MoviePlayer::keyPressEvent(QKeyEvent* event)

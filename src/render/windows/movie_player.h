@@ -64,6 +64,7 @@ private:
     QWidget* buildControllerBar();
     void updateControls();
     void sliderMoved(int value);
+    void settlePlayhead();
 
     MovieFrameSource m_source;
     MoviePlayhead m_playhead;

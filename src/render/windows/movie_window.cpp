@@ -102,7 +102,11 @@ void MovieWindow::showPolledResults()
 
 QString MovieWindow::windowTitleForDocumentDisplayName(const QString& name) const
 {
-    const float progress = renderer().progress();
+    return titleForProgress(name, renderer().progress());
+}
+
+QString MovieWindow::titleForProgress(const QString& name, float progress)
+{
     if (progress < 0.99999f)
         return tr("%1 rendering movie (%2%)").arg(name, QString::number(static_cast<double>(progress) * 100.0, 'f', 0));
     return tr("%1 rendered movie").arg(name);

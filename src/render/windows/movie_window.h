@@ -32,6 +32,9 @@ public:
     /// screen).
     void sizeWindowToMovie();
 
+    /// "NAME rendering movie (45%)" while frames are outstanding, else "NAME rendered movie".
+    static QString titleForProgress(const QString& name, float progress);
+
 protected:
     bool startRender() override;
     void showPolledResults() override;

@@ -1,0 +1,230 @@
+// SPDX-License-Identifier: MIT
+// The movie window: a movie that grows while it renders, the player stepping with it and
+// playing when it is complete, the titles, temporary files, and the saved movie.
+#include "render_windows_support.h"
+
+#include "render/movie_render_controller.h"
+#include "render/windows/movie_picture_view.h"
+#include "render/windows/movie_player.h"
+#include "render/windows/movie_window.h"
+#include "render/windows/render_scheduler.h"
+#include "render/windows/render_toolbar.h"
+
+#include <QFile>
+#include <QFileDialog>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTest>
+#include <QToolButton>
+
+#include <cmath>
+
+using namespace plyra;
+
+namespace {
+
+bool renderToEnd(MovieWindow& window)
+{
+    return test::waitFor([&] { return window.renderer().writer() && !window.scheduler().isPolling()
+                                   && !window.scheduler().isRecalcPending(); });
+}
+
+/// What ffprobe reads from a movie file: "codec_name=…", "nb_read_frames=…", "duration=…".
+QMap<QString, QString> probe(const QString& path)
+{
+    QProcess ffprobe;
+    ffprobe.start(QStringLiteral("ffprobe"),
+        {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-count_frames"), QStringLiteral("-select_streams"),
+            QStringLiteral("v:0"), QStringLiteral("-show_entries"),
+            QStringLiteral("stream=codec_name,nb_read_frames:format=duration"), QStringLiteral("-of"),
+            QStringLiteral("default=noprint_wrappers=1"), path});
+    QMap<QString, QString> values;
+    if (!ffprobe.waitForFinished(60000))
+        return values;
+    for (const QString& line : QString::fromUtf8(ffprobe.readAllStandardOutput()).split(QLatin1Char('\n'))) {
+        const qsizetype equals = line.indexOf(QLatin1Char('='));
+        if (equals > 0)
+            values.insert(line.left(equals), line.mid(equals + 1).trimmed());
+    }
+    return values;
+}
+
+} // namespace
+
+class MovieWindowTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { test::initRenderWindowTests(); }
+
+    void titles_data();
+    void titles();
+    void growsStepsThenPlays_data();
+    void growsStepsThenPlays();
+    void temporaryMoviesComeAndGo();
+    void savesASelfContainedMovie_data();
+    void savesASelfContainedMovie();
+};
+
+void MovieWindowTest::titles_data()
+{
+    QTest::addColumn<float>("progress");
+    QTest::addColumn<QString>("title");
+    QTest::newRow("45%") << 0.45f << "Faces rendering movie (45%)";
+    QTest::newRow("just started") << 0.0f << "Faces rendering movie (0%)";
+    QTest::newRow("done") << 1.0f << "Faces rendered movie";
+    QTest::newRow("not a number") << std::nanf("") << "Faces rendered movie";
+}
+
+void MovieWindowTest::titles()
+{
+    QFETCH(float, progress);
+    QTEST(MovieWindow::titleForProgress(QStringLiteral("Faces"), progress), "title");
+}
+
+void MovieWindowTest::growsStepsThenPlays_data()
+{
+    QTest::addColumn<int>("frames");
+    QTest::addColumn<float>("fps");
+    QTest::addColumn<int>("frameDuration");
+    QTest::addColumn<int>("movieDuration");
+    QTest::newRow("20 at 20") << 20 << 20.0f << 30 << 600;
+    QTest::newRow("48 at 25") << 48 << 25.0f << 24 << 1152;
+    // Frames of no duration are kept as the shortest a file holds, 1/600 s each.
+    QTest::newRow("1000 per second") << 6 << 1000.0f << 0 << 6;
+}
+
+void MovieWindowTest::growsStepsThenPlays()
+{
+    QFETCH(int, frames);
+    QFETCH(float, fps);
+    QFETCH(int, frameDuration);
+    test::WindowTestDocument doc;
+    doc.addLine(0.2f, 0.2f, 0.8f, 0.6f, 0.1f, 0.1f);
+    MovieWindow window(*doc.document);
+    window.setDocumentDisplayName(QStringLiteral("Faces"));
+    window.setNumberOfFrames(static_cast<std::uint32_t>(frames));
+    window.setFramesPerSecond(fps);
+    QAction* save = window.toolbar()->itemWithIdentifier(QStringLiteral("save"));
+    struct Poll {
+        int appended;
+        std::int64_t position;
+        bool complete;
+    };
+    QList<Poll> polls;
+    QStringList titles;
+    connect(&window.scheduler(), &RenderScheduler::polled, this, [&] {
+        const bool complete = window.renderer().morphJobs().empty();
+        polls.append({window.renderer().framesAppended(), window.player()->currentTime(), complete});
+        titles.append(window.windowTitle());
+        QCOMPARE(save->isEnabled(), complete);
+    });
+    window.show();
+    QVERIFY(renderToEnd(window));
+
+    // The movie's duration is its frames' at the rate, rounded down in 600ths.
+    QTEST(static_cast<int>(window.renderer().movie()->duration().valueIn(600)), "movieDuration");
+    const std::vector<std::int64_t> times = window.renderer().movie()->frameTimes();
+    QCOMPARE(static_cast<int>(times.size()), frames);
+    if (frameDuration > 0)
+        QCOMPARE(static_cast<int>(times[1] - times[0]), frameDuration);
+    // While it grew, the view stood at the newest frame; once complete it was rewound.
+    QVERIFY(!polls.isEmpty() && polls.last().complete);
+    for (const Poll& poll : polls)
+        if (!poll.complete && poll.appended > 0)
+            QCOMPARE(poll.position, static_cast<std::int64_t>((poll.appended - 1) * frameDuration));
+    QVERIFY(polls.last().position < frameDuration || frameDuration == 0);
+    if (!polls.first().complete)
+        QVERIFY(titles.first().startsWith(QStringLiteral("Faces rendering movie (")));
+    QCOMPARE(window.windowTitle(), QStringLiteral("Faces rendered movie"));
+    QVERIFY(save->isEnabled());
+
+    // Complete: rewound and playing; the player shows frames and plays to the end.
+    QVERIFY(window.player()->isPlaying() || frameDuration == 0);
+    QVERIFY(test::waitFor([&] {
+        return !window.player()->isPlaying() && window.player()->shownFrame() == static_cast<std::size_t>(frames - 1);
+    }));
+    QVERIFY(!window.player()->pictureView()->image().isNull());
+
+    // The controller bar plays it again from the start.
+    window.player()->setCurrentTime(0);
+    QTest::mouseClick(window.player()->playButton(), Qt::LeftButton);
+    QVERIFY(window.player()->isPlaying() || frameDuration == 0);
+    window.close();
+}
+
+void MovieWindowTest::temporaryMoviesComeAndGo()
+{
+    test::WindowTestDocument doc;
+    MovieWindow window(*doc.document);
+    window.setNumberOfFrames(4);
+    window.show();
+    QVERIFY(renderToEnd(window));
+    const QString first = QString::fromStdString(window.renderer().tempPath());
+    QVERIFY(first.startsWith(QStringLiteral("/tmp/Plyra_")));
+    QVERIFY(QFile::exists(first));
+
+    // A change makes a new temporary movie and removes the old one.
+    QSignalSpy started(&window, &RenderWindow::renderStarted);
+    doc.addLine(0.1f, 0.1f, 0.4f, 0.9f);
+    QVERIFY(started.wait());
+    const QString second = QString::fromStdString(window.renderer().tempPath());
+    QVERIFY(second != first);
+    QVERIFY(!QFile::exists(first));
+    QVERIFY(QFile::exists(second));
+
+    // Closing while it renders stops it and removes the movie.
+    window.close();
+    QVERIFY(!QFile::exists(second));
+    QVERIFY(!window.renderer().writer());
+    QVERIFY(!window.scheduler().isPolling());
+    // "Free" stretches the movie to the view; the other modes keep its proportions.
+    QVERIFY(window.player()->pictureView()->preservesAspectRatio());
+    window.controller().settings().setFrameRatioMode(2);
+    window.show();
+    QVERIFY(renderToEnd(window));
+    QVERIFY(!window.player()->pictureView()->preservesAspectRatio());
+    const QString third = QString::fromStdString(window.renderer().tempPath());
+    window.close();
+    QVERIFY(!QFile::exists(third));
+}
+
+void MovieWindowTest::savesASelfContainedMovie_data()
+{
+    QTest::addColumn<QString>("code");
+    QTest::addColumn<QString>("codecName");
+    QTest::newRow("mpeg 4") << "mp4v" << "mpeg4";
+    QTest::newRow("h.264") << "avc1" << "h264";
+}
+
+void MovieWindowTest::savesASelfContainedMovie()
+{
+    QFETCH(QString, code);
+    test::WindowTestDocument doc({64, 48}, {64, 48});
+    doc.addLine(0.3f, 0.3f, 0.7f, 0.7f, 0.1f, 0.0f);
+    doc.document->setCodecFormat(code);
+    MovieWindow window(*doc.document);
+    window.setDocumentFilePath(doc.dir.filePath(QStringLiteral("faces.plyra")));
+    window.setNumberOfFrames(12);
+    window.setFramesPerSecond(24.0f);
+    window.show();
+    QVERIFY(renderToEnd(window));
+    window.save();
+    auto* dialog = window.findChild<QFileDialog*>(QStringLiteral("saveDialog"));
+    QVERIFY(dialog);
+    QCOMPARE(dialog->defaultSuffix(), QStringLiteral("mov"));
+    dialog->selectFile(doc.dir.filePath(QStringLiteral("morph")));
+    static_cast<QDialog*>(dialog)->accept();
+    const QString path = doc.dir.filePath(QStringLiteral("morph.mov"));
+    QVERIFY(QFile::exists(path));
+
+    // The temporary movie goes; the saved one stands alone.
+    window.close();
+    const QMap<QString, QString> probed = probe(path);
+    QTEST(probed.value(QStringLiteral("codec_name")), "codecName");
+    QCOMPARE(probed.value(QStringLiteral("nb_read_frames")), QStringLiteral("12"));
+    QCOMPARE(probed.value(QStringLiteral("duration")).toDouble(), 0.5);
+}
+
+QTEST_MAIN(MovieWindowTest)
+#include "movie_window_test.moc"

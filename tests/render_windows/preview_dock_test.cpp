@@ -23,7 +23,7 @@ class ManualStripRender : public PreviewStripRender {
 public:
     using PreviewStripRender::consumeFinishedJobs;
     using PreviewStripRender::jobs;
-    using PreviewStripRender::newMorphJobs;
+    using PreviewStripRender::newMorphJob;
     using PreviewStripRender::PreviewStripRender;
 };
 
@@ -103,8 +103,9 @@ void PreviewDockTest::cellsFillStrictlyInOrder()
     test::WindowTestDocument doc;
     ManualStripRender render(*doc.document);
     render.setCellSize({40.0f, 30.0f});
-    std::vector<MorphCalculationJob::Ptr> jobs = render.newMorphJobs();
-    QCOMPARE(jobs.size(), 5u);
+    std::vector<MorphCalculationJob::Ptr> jobs;
+    for (std::uint32_t cell = 0; cell < 5; ++cell)
+        jobs.push_back(render.newMorphJob(cell));
     const Morpher::Ptr morpher =
         Morpher::create(doc.document->ciimageInTrack(0), doc.document->ciimageInTrack(1), doc.document->morphLines());
     for (const MorphCalculationJob::Ptr& job : jobs) {

@@ -3,12 +3,13 @@
 
 #include "render/frame_output.h"
 #include "render/frame_render_controller.h"
+#include "render/output_path_check.h"
 #include "render/windows/frame_view.h"
 #include "render/windows/render_settings_sheet.h"
 #include "render/windows/render_toolbar.h"
 
+#include <QBuffer>
 #include <QImageWriter>
-#include <QSaveFile>
 #include <QSignalBlocker>
 #include <QSlider>
 #include <QWidgetAction>
@@ -18,26 +19,27 @@
 namespace plyra {
 namespace {
 
-bool saveFrameAsPng(const Bitmap& bitmap, const QString& path, QString* error)
+bool saveFrameAsPng(const MorphDocument& document, const Bitmap& bitmap, const QString& path, QString* error)
 {
-    auto fail = [error](const QString& reason) {
-        if (error)
-            *error = reason;
+    QString target;
+    if (!checkOutputPath(document, path, &target, error))
         return false;
-    };
-    if (bitmap.isEmpty())
-        return fail(FrameWindow::tr("No frame has been rendered yet."));
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return fail(file.errorString());
-    QImageWriter writer(&file, "png");
-    if (!writer.write(imageFromBitmap(bitmap))) {
-        file.cancelWriting();
-        return fail(writer.errorString());
+    if (bitmap.isEmpty()) {
+        if (error)
+            *error = FrameWindow::tr("No frame has been rendered yet.");
+        return false;
     }
-    if (!file.commit())
-        return fail(file.errorString());
-    return true;
+    // Encoded in memory first, then written whole or not at all.
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    QImageWriter writer(&buffer, "png");
+    if (!writer.write(imageFromBitmap(bitmap))) {
+        if (error)
+            *error = writer.errorString();
+        return false;
+    }
+    return writeOutputFile(target, bytes, error);
 }
 
 } // namespace
@@ -132,7 +134,7 @@ bool FrameWindow::saveRenderedFramesToPath(const QString& path, QString* error)
 {
     if (path.endsWith(QStringLiteral(".png"), Qt::CaseInsensitive)) {
         static const Bitmap none;
-        return saveFrameAsPng(renderer().bitmap() ? *renderer().bitmap() : none, path, error);
+        return saveFrameAsPng(document(), renderer().bitmap() ? *renderer().bitmap() : none, path, error);
     }
     return renderer().saveRenderedFrame(path, error);
 }

@@ -49,17 +49,21 @@ float PreviewStripRender::previewInterpolationFactor() const
     return interpolationFactorFromDefaults(6.0f);
 }
 
-std::vector<MorphCalculationJob::Ptr> PreviewStripRender::newMorphJobs()
+bool PreviewStripRender::recalc()
 {
-    const float factor = previewInterpolationFactor();
-    std::vector<MorphCalculationJob::Ptr> jobs;
-    jobs.reserve(m_cells.size());
-    for (Cell& cell : m_cells) {
-        // The strip blanks out until the new frames arrive.
+    settings().setNumberOfFrames(static_cast<std::uint32_t>(m_cells.size()));
+    if (!RenderController::recalc())
+        return false;
+    // The strip blanks out until the new frames arrive.
+    for (Cell& cell : m_cells)
         cell.image = QImage();
-        jobs.push_back(MorphCalculationJob::create(cell.time, Size{m_cellSize.width, m_cellSize.height}, factor));
-    }
-    return jobs;
+    return true;
+}
+
+MorphCalculationJob::Ptr PreviewStripRender::newMorphJob(std::uint32_t frame)
+{
+    return MorphCalculationJob::create(
+        m_cells[frame].time, Size{m_cellSize.width, m_cellSize.height}, previewInterpolationFactor());
 }
 
 void PreviewStripRender::consumeFinishedJobs()

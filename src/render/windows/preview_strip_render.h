@@ -36,8 +36,12 @@ public:
     /// The grid spacing of the preview: the user default's, else 6.
     float previewInterpolationFactor() const;
 
+    /// Blanks every cell and starts their render; false (cells unchanged) without images.
+    bool recalc() override;
+
 protected:
-    std::vector<MorphCalculationJob::Ptr> newMorphJobs() override;
+    /// The job of cell `frame`: its time, the cells' size, the preview's grid.
+    MorphCalculationJob::Ptr newMorphJob(std::uint32_t frame) override;
     void consumeFinishedJobs() override;
 
 private:

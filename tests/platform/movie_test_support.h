@@ -78,6 +78,23 @@ inline std::map<std::string, std::string> probeVideo(const std::string& path)
     return entries;
 }
 
+/// How many packets ffprobe reads from an animated GIF that it lets loop as the file
+/// says, stopping at `limit`: the frame count for a GIF that plays once, `limit` for one
+/// that loops for ever.
+inline int loopingGifPackets(const std::string& path, int limit)
+{
+    const std::string command = "ffprobe -v error -ignore_loop 0 -select_streams v:0 -show_entries packet=pts "
+                                "-read_intervals '%+#" + std::to_string(limit) + "' -of csv '" + path + "' 2>/dev/null";
+    int packets = 0;
+    FILE* pipe = ::popen(command.c_str(), "r");
+    char line[256];
+    while (pipe && std::fgets(line, sizeof line, pipe))
+        ++packets;
+    if (pipe)
+        ::pclose(pipe);
+    return packets;
+}
+
 /// Appends `count` test frames of `duration` 600ths with the codec and quality.
 inline MovieStatus appendTestFrames(Movie& movie, int count, int64_t duration, const char* codec,
                                     int quality = kCodecNormalQuality, int width = 64, int height = 48)

@@ -5,6 +5,7 @@
 
 #include <QBuffer>
 #include <QFile>
+#include <QFileInfo>
 #include <QImageWriter>
 
 #include <cstring>
@@ -31,27 +32,73 @@ QImage imageFromBitmap(const Bitmap& bitmap)
     return image;
 }
 
-bool saveFrameAsJpeg(const Bitmap& bitmap, const QString& path, QString* error)
+namespace {
+
+bool fail(QString* error, const QString& reason)
 {
-    auto fail = [error](const QString& reason) {
-        if (error)
-            *error = reason;
-        return false;
-    };
-    if (bitmap.isEmpty())
-        return fail(QStringLiteral("no frame has been rendered"));
-    // JPEG has no alpha: frames are flattened onto black, which is what transparent
-    // pixels of premultiplied RGBA already are.
-    const QImage rgb = imageFromBitmap(bitmap).convertToFormat(QImage::Format_RGB888);
+    if (error)
+        *error = reason;
+    return false;
+}
+
+// What each format stores: JPEG has no alpha, so frames are flattened onto black, which
+// is what transparent pixels of premultiplied RGBA already are; PNG keeps straight alpha;
+// TIFF keeps the premultiplied bytes as they are.
+QImage storedImage(const QImage& frame, FrameFileFormat format)
+{
+    switch (format) {
+    case FrameFileFormat::Jpeg:
+        return frame.convertToFormat(QImage::Format_RGB888);
+    case FrameFileFormat::Png:
+        return frame.convertToFormat(QImage::Format_RGBA8888);
+    case FrameFileFormat::Tiff:
+        break;
+    }
+    return frame.convertToFormat(QImage::Format_RGBA8888_Premultiplied);
+}
+
+} // namespace
+
+std::optional<FrameFileFormat> frameFileFormatForPath(const QString& path)
+{
+    const QString suffix = QFileInfo(path).suffix().toLower();
+    if (suffix == QLatin1String("jpg") || suffix == QLatin1String("jpeg"))
+        return FrameFileFormat::Jpeg;
+    if (suffix == QLatin1String("png"))
+        return FrameFileFormat::Png;
+    if (suffix == QLatin1String("tif") || suffix == QLatin1String("tiff"))
+        return FrameFileFormat::Tiff;
+    return std::nullopt;
+}
+
+QByteArray encodeFrame(const QImage& frame, FrameFileFormat format, QString* error)
+{
+    static const char* const names[] = {"jpeg", "png", "tiff"};
     // Encoded in memory first, so that a failed write reports the system's own reason.
     QByteArray bytes;
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
-    QImageWriter writer(&buffer, "jpeg");
-    writer.setQuality(kFrameJpegQuality);
-    if (!writer.write(rgb))
-        return fail(writer.errorString());
-    return writeOutputFile(path, bytes, error);
+    QImageWriter writer(&buffer, names[static_cast<int>(format)]);
+    if (format == FrameFileFormat::Jpeg)
+        writer.setQuality(kFrameJpegQuality);
+    if (format == FrameFileFormat::Tiff)
+        writer.setCompression(1); // LZW
+    if (frame.isNull() || !writer.write(storedImage(frame, format))) {
+        fail(error, frame.isNull() ? QStringLiteral("there is no frame to write") : writer.errorString());
+        return {};
+    }
+    return bytes;
+}
+
+bool saveFrame(const Bitmap& bitmap, const QString& path, QString* error)
+{
+    if (bitmap.isEmpty())
+        return fail(error, QStringLiteral("no frame has been rendered"));
+    const std::optional<FrameFileFormat> format = frameFileFormatForPath(path);
+    if (!format)
+        return fail(error, QStringLiteral("a frame is saved as .jpg, .jpeg, .png, .tif or .tiff"));
+    const QByteArray bytes = encodeFrame(imageFromBitmap(bitmap), *format, error);
+    return !bytes.isEmpty() && writeOutputFile(path, bytes, error);
 }
 
 bool writeOutputFile(const QString& path, const QByteArray& bytes, QString* error)

@@ -45,7 +45,8 @@ bool FrameRenderController::saveRenderedFrame(const QString& path, QString* erro
     QString target;
     if (!checkOutputPath(document(), path, &target, error))
         return false;
-    return saveFrameAsJpeg(m_bitmap ? *m_bitmap : none, target, error);
+    // The format is the one the path asks for, also when it is a link to another name.
+    return saveFrame(m_bitmap ? *m_bitmap : none, path, error);
 }
 
 } // namespace plyra

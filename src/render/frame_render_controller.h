@@ -11,7 +11,7 @@
 namespace plyra {
 
 /// Renders one frame at a chosen morph time, keeps the last finished frame and saves
-/// it as a JPEG file.
+/// it as a JPEG, PNG or TIFF file (saveFrame).
 /// Threads: main thread.
 class FrameRenderController : public RenderController {
 public:
@@ -24,6 +24,8 @@ public:
 
     /// The last finished frame; empty until one is finished.
     const std::optional<Bitmap>& bitmap() const { return m_bitmap; }
+    /// Writes the last frame in the format the path's extension asks for (saveFrame), once
+    /// the path passes the document's output check; false with the reason otherwise.
     bool saveRenderedFrame(const QString& path, QString* error = nullptr) const;
 
 protected:

@@ -76,6 +76,40 @@ TEST(FrameRender, SavesAJpegAtQuality95WithTheFramesPixelSize)
     EXPECT_FALSE(error.isEmpty());
 }
 
+TEST(FrameRender, SavesPngAndTiffLosslessWithAlphaByTheirExtensions)
+{
+    // A half-transparent first image: the frame between has alpha to keep.
+    test::TwoImageDocument doc(QColor(200, 120, 40, 128), QColor(20, 80, 220));
+    FrameRenderController controller(*doc.document);
+    ASSERT_TRUE(controller.recalc());
+    renderToEnd(controller);
+    ASSERT_TRUE(controller.bitmap());
+    const QImage frame = imageFromBitmap(*controller.bitmap());
+    ASSERT_LT(qAlpha(frame.pixel(5, 5)), 255);
+    const struct { const char* name; QByteArray format; } cases[] = {
+        {"frame.png", "png"}, {"FRAME.PNG", "png"}, {"frame.tif", "tiff"}, {"frame.TIFF", "tiff"}, {"frame.jpeg", "jpeg"}};
+    for (const auto& c : cases) {
+        const QString path = doc.dir.filePath(QLatin1String(c.name));
+        QString error;
+        ASSERT_TRUE(controller.saveRenderedFrame(path, &error)) << c.name << ": " << error.toStdString();
+        QImageReader reader(path);
+        EXPECT_EQ(reader.format(), c.format) << c.name;
+        const QImage read = reader.read();
+        ASSERT_EQ(read.size(), frame.size()) << c.name;
+        if (c.format == "jpeg")
+            continue;
+        EXPECT_TRUE(read.hasAlphaChannel()) << c.name;
+        EXPECT_EQ(read.depth(), 32) << c.name; // 8 bits a channel
+        // Straight alpha (PNG) or premultiplied (TIFF): the frame's bytes either way.
+        EXPECT_EQ(read.convertToFormat(QImage::Format_RGBA8888_Premultiplied), frame) << c.name;
+    }
+    QString error;
+    const QString other = doc.dir.filePath(QStringLiteral("frame.bmp"));
+    EXPECT_FALSE(controller.saveRenderedFrame(other, &error));
+    EXPECT_TRUE(error.contains(QStringLiteral(".png"))) << error.toStdString();
+    EXPECT_FALSE(QFile::exists(other));
+}
+
 TEST(FrameRender, NoImageNoRender)
 {
     test::TwoImageDocument doc{QColor(), QColor()};

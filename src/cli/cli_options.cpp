@@ -2,8 +2,8 @@
 #include "cli/cli_options.h"
 
 #include "platform/number_text.h"
+#include "render/movie_output.h"
 
-#include <cctype>
 #include <cmath>
 #include <functional>
 #include <map>
@@ -27,13 +27,6 @@ bool parseInteger(const std::string& text, std::int64_t& value)
         return false;
     value = std::stoll(text);
     return true;
-}
-
-bool endsWith(std::string text, const std::string& suffix)
-{
-    for (char& c : text)
-        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return text.size() >= suffix.size() && text.compare(text.size() - suffix.size(), suffix.size(), suffix) == 0;
 }
 
 // Reads the option values into the options; answers an error text or "".
@@ -153,27 +146,44 @@ private:
     CliOptions& m_o;
 };
 
+bool hasMovieOptions(const CliOptions& o)
+{
+    return o.frames || o.framesPerSecond || o.rangeLocation || o.reverse || o.codec || o.quality;
+}
+
+std::string checkMovie(CliOptions& o, MovieOutputKind kind)
+{
+    if (!o.frames)
+        return "a movie needs --frames N";
+    if (o.time)
+        return "--time is for a single frame; a movie takes --range";
+    if (kind != MovieOutputKind::QuickTime && (o.codec || o.quality))
+        return "--codec and --quality are for QuickTime movies (.mov)";
+    o.mode = CliMode::Movie;
+    return {};
+}
+
 std::string checkMode(CliOptions& o)
 {
     if (o.mode == CliMode::WarpField || o.mode == CliMode::Info)
         return {};
     if (o.outputPath.empty())
         return {};
-    if (endsWith(o.outputPath, ".jpg") || endsWith(o.outputPath, ".jpeg")) {
-        if (o.frames || o.framesPerSecond || o.rangeLocation || o.reverse || o.codec || o.quality)
-            return "--frames, --fps, --range, --reverse, --codec and --quality are for movies (.mov)";
+    const QString path = QString::fromStdString(o.outputPath);
+    const bool sequence = ImageSequencePattern::looksLikePattern(path);
+    if (!sequence && frameFileFormatForPath(path)) {
+        if (hasMovieOptions(o))
+            return "--frames, --fps, --range, --reverse, --codec and --quality are for movies (.mov, .gif or numbered frames)";
         o.mode = CliMode::Frame;
         return {};
     }
-    if (endsWith(o.outputPath, ".mov")) {
-        if (!o.frames)
-            return "a movie needs --frames N";
-        if (o.time)
-            return "--time is for a single frame; a movie takes --range";
-        o.mode = CliMode::Movie;
-        return {};
-    }
-    return "the output must end in .jpg, .jpeg (a frame) or .mov (a movie): '" + o.outputPath + "'";
+    QString reason;
+    if (const std::optional<MovieOutputKind> kind = movieOutputKindForPath(path, &reason))
+        return checkMovie(o, *kind);
+    if (sequence)
+        return reason.toStdString();
+    return "the output must end in .jpg, .jpeg, .png, .tif, .tiff (a frame), .mov or .gif (a movie), or name numbered "
+           "frames such as NAME_%04d.png: '" + o.outputPath + "'";
 }
 
 } // namespace
@@ -224,10 +234,16 @@ std::string cliUsage()
            "  plyra-render DOC.plyra [-o FRAME.jpg] [--time T]                     one frame (default time 0.5)\n"
            "  plyra-render DOC.plyra -o MOVIE.mov --frames N [--fps F] [--range L,D] [--reverse]\n"
            "               [--codec CODE] [--quality Q]                             a movie\n"
+           "  plyra-render DOC.plyra -o MOVIE.gif --frames N [--fps F] [--range L,D] [--reverse]\n"
+           "                                                                        an animated GIF\n"
+           "  plyra-render DOC.plyra -o DIR/NAME_%04d.png --frames N [--range L,D] [--reverse]\n"
+           "                                                                        numbered frames\n"
            "  plyra-render DOC.plyra --info                                         the document as JSON\n"
            "  plyra-render DOC.plyra --time T --warp-field FIELD                    one frame's warp field\n"
            "common: [--size WxH] [--interval R] [--quiet]\n"
-           "codecs: mp4v (default of new documents), avc1, mjpb, 'rle ', pxlt; quality 0 to 1023\n";
+           "frames: .jpg or .jpeg (quality 95), .png (8-bit RGBA with alpha), .tif or .tiff (lossless)\n"
+           "codecs: mp4v (default of new documents), avc1, mjpb, 'rle ' and pxlt always work; any other code\n"
+           "        that FFmpeg writes into a QuickTime movie (jpeg, png ...) too; quality 0 to 1023\n";
 }
 
 } // namespace plyra

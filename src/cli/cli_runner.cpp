@@ -170,6 +170,7 @@ int renderMovie(const CliOptions& options, MorphDocument& document, std::ostream
     MovieRenderController controller(document);
     applyCommonSettings(options, controller);
     applyMovieSettings(options, controller);
+    controller.setOutputKind(movieOutputKindForPath(path).value_or(MovieOutputKind::QuickTime));
     if (!controller.frameSize().isSet())
         return fail(err, "the document has no frame size; give one with --size WxH");
     const Clock::time_point start = Clock::now();

@@ -4,11 +4,13 @@
 #include "engine/image_conversion.h"
 #include "model/morph_document.h"
 #include "platform/log.h"
-#include "render/movie_codecs.h"
-#include "render/output_path_check.h"
 #include "platform/temporary_files.h"
+#include "render/movie_codecs.h"
+#include "render/movie_frame_export.h"
+#include "render/output_path_check.h"
 
 #include <QFile>
+#include <QStringList>
 
 #include <algorithm>
 #include <filesystem>
@@ -21,6 +23,20 @@ namespace {
 // their warp fields stay within kJobsAheadBytes even for the largest frames.
 constexpr unsigned kJobsAheadPerWorker = 4;
 constexpr std::size_t kJobsAheadBytes = std::size_t{256} << 20;
+
+// A GIF or an image sequence is made from the frames after the render: they wait in the
+// temporary movie without loss, alpha included.
+constexpr const char* kLosslessCodec = "rle ";
+
+// A code that nothing here can compress: say which code, and which five always work.
+QString unavailableCodecMessage(const std::string& code)
+{
+    QStringList codes;
+    for (const CodecChoice& choice : kCodecChoices)
+        codes << QStringLiteral("'%1'").arg(QLatin1String(choice.code));
+    return QStringLiteral("no encoder here can write the codec '%1' into a QuickTime movie; the codecs that always "
+                          "work are %2").arg(QString::fromStdString(code), codes.join(QStringLiteral(", ")));
+}
 
 } // namespace
 
@@ -40,11 +56,15 @@ MovieRenderController::~MovieRenderController()
 
 std::string MovieRenderController::codec() const
 {
+    if (m_outputKind != MovieOutputKind::QuickTime)
+        return kLosslessCodec;
     return m_codec ? *m_codec : document().codecFormat().toStdString();
 }
 
 int MovieRenderController::quality() const
 {
+    if (m_outputKind != MovieOutputKind::QuickTime)
+        return kCodecMaxQuality;
     return m_quality ? *m_quality : document().codecQuality();
 }
 
@@ -75,7 +95,8 @@ bool MovieRenderController::checkCompression()
         return true;
     const MovieStatus status = checkImageCompression(attributes, width, height);
     if (!status.ok()) {
-        m_error = QString::fromStdString(status.message);
+        m_error = status.code == kMovieCodecUnavailable ? unavailableCodecMessage(codec())
+                                                        : QString::fromStdString(status.message);
         return false;
     }
     m_checkedCompression = key;
@@ -196,10 +217,27 @@ bool MovieRenderController::saveRenderedMovie(const QString& path, QString* erro
     m_writer->unlock();
     if (frames != static_cast<std::size_t>(m_framesAppended))
         return fail(QStringLiteral("only %1 of %2 frames could be compressed").arg(frames).arg(m_framesAppended));
-    const MovieStatus status = m_writer->writeToFile(QFile::encodeName(target).toStdString(), true);
-    if (!status.ok())
-        return fail(QString::fromStdString(status.message));
-    return true;
+    const std::optional<MovieOutputKind> kind = movieOutputKindForPath(path, error);
+    return kind && writeMovieAs(*kind, path, target, error);
+}
+
+bool MovieRenderController::writeMovieAs(MovieOutputKind kind, const QString& path, const QString& target,
+                                         QString* error)
+{
+    if (kind == MovieOutputKind::QuickTime) {
+        const MovieStatus status = m_writer->writeToFile(QFile::encodeName(target).toStdString(), true);
+        if (!status.ok() && error)
+            *error = QString::fromStdString(status.message);
+        return status.ok();
+    }
+    m_writer->lock();
+    bool written = false;
+    if (kind == MovieOutputKind::AnimatedGif)
+        written = MovieFrameExport::writeAnimatedGif(m_writer->movie(), target, settings().framesPerSecond(), error);
+    else if (const std::optional<ImageSequencePattern> pattern = ImageSequencePattern::parse(path, error))
+        written = MovieFrameExport::writeImageSequence(m_writer->movie(), *pattern, document(), error);
+    m_writer->unlock();
+    return written;
 }
 
 const Movie* MovieRenderController::movie()

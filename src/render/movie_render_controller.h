@@ -4,6 +4,7 @@
 #include "platform/movie/movie.h"
 #include "render/async_movie_writer.h"
 #include "render/frame_conversion_queue.h"
+#include "render/movie_output.h"
 #include "render/render_controller.h"
 
 #include <QString>
@@ -25,6 +26,9 @@ namespace plyra {
 /// with the number of frames: the morpher gets only a few jobs ahead of the frames
 /// appended, at most a few frames wait for the encoder (a tick takes no more jobs while
 /// they do), and the first failed append (a full disk) ends the render with its reason.
+/// The render is saved as a QuickTime movie, an animated GIF or a numbered image
+/// sequence, by the path; for the last two the temporary movie keeps the frames
+/// losslessly (Animation codec) when the output kind is set before the render.
 /// Threads: main thread.
 class MovieRenderController : public RenderController {
 public:
@@ -33,11 +37,15 @@ public:
 
     /// Most time one tick spends appending frames, so that the interface stays responsive.
     void setAppendBudget(std::chrono::milliseconds budget) { m_appendBudget = budget; }
-    /// The codec and quality appended frames get; the document's unless set.
+    /// The codec and quality appended frames get: the document's unless set, and the
+    /// lossless Animation codec at the highest quality for a GIF or an image sequence.
     void setCodec(std::optional<std::string> code) { m_codec = std::move(code); }
     void setQuality(std::optional<int> quality) { m_quality = quality; }
     std::string codec() const;
     int quality() const;
+    /// What the render will be saved as; takes effect at the next recalc.
+    void setOutputKind(MovieOutputKind kind) { m_outputKind = kind; }
+    MovieOutputKind outputKind() const { return m_outputKind; }
 
     /// A new temporary movie, then the jobs. False, with the reason in errorString(), when
     /// the codec cannot compress frames of the frame size, the temporary movie cannot be
@@ -51,8 +59,10 @@ public:
     const Movie* movie();
     const std::string& tempPath() const { return m_tempPath; }
 
-    /// Writes a self-contained copy of the movie; false with the reason when the movie is
-    /// not complete or cannot be written. A failed save leaves nothing at path.
+    /// Writes the movie in the form its path asks for (movieOutputKindForPath): a
+    /// self-contained QuickTime movie, an animated GIF at the render's frame rate, or one
+    /// file per frame. False with the reason when the movie is not complete or cannot be
+    /// written; a failed save leaves nothing at path (or at any frame's name).
     bool saveRenderedMovie(const QString& path, QString* error = nullptr);
     /// Removes the temporary file.
     void cleanUpTempPaths();
@@ -73,6 +83,7 @@ private:
     void appendFrame(std::optional<Bitmap> bitmap, const MovieTime& duration, const AddImageAttributes& attributes);
     unsigned framesWaiting() const;
     bool stopOnWriterFailure();
+    bool writeMovieAs(MovieOutputKind kind, const QString& path, const QString& target, QString* error);
 
     std::unique_ptr<AsyncMovieWriter> m_writer;
     // Declared after the writer, so that it stops before the writer goes.
@@ -80,6 +91,7 @@ private:
     std::string m_tempPath;
     std::optional<std::string> m_codec;
     std::optional<int> m_quality;
+    MovieOutputKind m_outputKind = MovieOutputKind::QuickTime;
     std::chrono::milliseconds m_appendBudget{300};
     int m_framesAppended = 0;
     // Enough for the frames that finish between two ticks of an interface's 0.1 s poll.

@@ -39,6 +39,18 @@ TEST(CliOptions, ModesFollowTheOutputExtensionAndOptions)
     EXPECT_EQ(*movie.options->quality, 1023);
     EXPECT_EQ(*movie.options->interval, 5.0f);
 
+    // Frames by their extension; an animated GIF and numbered frames are movies.
+    for (const char* still : {"f.png", "f.TIF", "f.tiff", "f.jpeg", "50%/f.png"}) {
+        auto result = parse({"doc.plyra", "-o", still});
+        ASSERT_TRUE(result.options) << still << ": " << result.error;
+        EXPECT_EQ(result.options->mode, CliMode::Frame) << still;
+    }
+    for (const char* moving : {"m.gif", "out/m_%04d.png", "m_%d.tif"}) {
+        auto result = parse({"doc.plyra", "-o", moving, "--frames", "8", "--fps", "10"});
+        ASSERT_TRUE(result.options) << moving << ": " << result.error;
+        EXPECT_EQ(result.options->mode, CliMode::Movie) << moving;
+    }
+
     auto info = parse({"--info", "doc.plyra"});
     ASSERT_TRUE(info.options);
     EXPECT_EQ(info.options->mode, CliMode::Info);
@@ -61,7 +73,14 @@ TEST(CliOptions, UsageErrorsSayWhatIsWrong)
         {{"doc.plyra", "--time", "inf"}, "--time needs a number"},
         {{"doc.plyra", "--time", "1e40"}, "--time needs a number"}, // infinite as a float
         {{"doc.plyra", "--time", "-1e39"}, "--time needs a number"},
-        {{"doc.plyra", "-o", "x.png"}, "the output must end in"},
+        {{"doc.plyra", "-o", "x.bmp"}, "the output must end in"},
+        {{"doc.plyra", "-o", "x_%04d_%d.png", "--frames", "3"}, "a numbered image sequence needs one %d or %0Nd"},
+        {{"doc.plyra", "-o", "x_%4d.png", "--frames", "3"}, "a numbered image sequence needs"},
+        {{"doc.plyra", "-o", "x_%04d.gif", "--frames", "3"}, "a numbered image sequence needs"},
+        {{"doc.plyra", "-o", "x_%04d.png"}, "a movie needs --frames N"},
+        {{"doc.plyra", "-o", "m.gif", "--frames", "3", "--codec", "jpeg"}, "--codec and --quality are for QuickTime"},
+        {{"doc.plyra", "-o", "m_%02d.png", "--frames", "3", "--quality", "9"}, "--codec and --quality are for QuickTime"},
+        {{"doc.plyra", "-o", "f.png", "--frames", "4"}, "are for movies"},
         {{"doc.plyra", "-o", "m.mov"}, "a movie needs --frames N"},
         {{"doc.plyra", "-o", "m.mov", "--frames", "0"}, "--frames needs a whole number"},
         {{"doc.plyra", "-o", "m.mov", "--frames", "-3"}, "--frames needs a whole number"},
@@ -83,7 +102,8 @@ TEST(CliOptions, UsageErrorsSayWhatIsWrong)
         EXPECT_NE(result.error.find(expected), std::string::npos) << result.error;
         EXPECT_EQ(result.error.find('\n'), std::string::npos) << "one line: " << result.error;
     }
-    EXPECT_NE(cliUsage().find("--warp-field"), std::string::npos);
+    for (const char* shown : {"--warp-field", "MOVIE.gif", "NAME_%04d.png", ".png", ".tif", "jpeg"})
+        EXPECT_NE(cliUsage().find(shown), std::string::npos) << shown;
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "model/morph_document.h"
 #include "platform/movie/movie.h"
+#include "platform/movie_test_support.h"
 #include "platform/qt/user_defaults.h"
 #include "platform/run_loop.h"
 
@@ -16,6 +17,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstring>
 
 namespace plyra {
@@ -162,6 +164,55 @@ TEST_F(PlyraRenderTest, RendersAFrameAndAMovie)
     ASSERT_TRUE(saved);
     EXPECT_EQ(saved->frameTimes().size(), 6u);
     EXPECT_EQ(saved->duration().valueIn(600), 300);
+}
+
+TEST_F(PlyraRenderTest, WritesFramesAnimatedGifsAndNumberedFramesByTheOutputName)
+{
+    const QString document = makeDocument();
+    for (const char* name : {"f.png", "f.tif", "f.TIFF"}) {
+        const QString path = dir.filePath(QLatin1String(name));
+        const RunResult still = run({document, u"-o"_s, path, u"--time"_s, u"0"_s, u"--quiet"_s});
+        ASSERT_EQ(still.exitCode, 0) << name << ": " << still.err.toStdString();
+        const QImage read(path);
+        ASSERT_EQ(read.size(), QSize(40, 30)) << name;
+        EXPECT_TRUE(read.hasAlphaChannel()) << name;
+        EXPECT_EQ(read.pixel(10, 10), qRgb(255, 0, 0)) << name; // lossless: the first image itself
+    }
+
+    const QString gif = dir.filePath(u"m.gif"_s);
+    const RunResult animated = run({document, u"-o"_s, gif, u"--frames"_s, u"9"_s, u"--fps"_s, u"15"_s});
+    ASSERT_EQ(animated.exitCode, 0) << animated.err.toStdString();
+    const auto probe = test::probeVideo(QFile::encodeName(gif).toStdString());
+    EXPECT_EQ(probe.at("codec_name"), "gif");
+    EXPECT_EQ(probe.at("nb_read_frames"), "9");
+    EXPECT_EQ(test::loopingGifPackets(QFile::encodeName(gif).toStdString(), 25), 25); // loops for ever
+
+    ASSERT_TRUE(QDir().mkpath(dir.filePath(u"frames"_s)));
+    const RunResult numbered = run({document, u"-o"_s, dir.filePath(u"frames/m_%03d.tif"_s), u"--frames"_s, u"4"_s});
+    ASSERT_EQ(numbered.exitCode, 0) << numbered.err.toStdString();
+    EXPECT_EQ(QDir(dir.filePath(u"frames"_s)).entryList(QDir::Files | QDir::Hidden),
+              (QStringList{u"m_001.tif"_s, u"m_002.tif"_s, u"m_003.tif"_s, u"m_004.tif"_s}));
+    EXPECT_EQ(QImage(dir.filePath(u"frames/m_004.tif"_s)).pixel(10, 10), qRgb(0, 0, 255));
+}
+
+TEST_F(PlyraRenderTest, ACodecOutsideTheTableIsUsedOrRefusedBeforeAnyFrame)
+{
+    const QString document = makeDocument();
+    const QString photo = dir.filePath(u"photo.mov"_s);
+    const RunResult jpeg = run({document, u"-o"_s, photo, u"--frames"_s, u"3"_s, u"--codec"_s, u"jpeg"_s});
+    ASSERT_EQ(jpeg.exitCode, 0) << jpeg.err.toStdString();
+    EXPECT_EQ(test::probeVideo(QFile::encodeName(photo).toStdString()).at("codec_tag_string"), "jpeg");
+
+    // Many frames: refused at once, not after computing them.
+    const QString none = dir.filePath(u"none.mov"_s);
+    const auto start = std::chrono::steady_clock::now();
+    const RunResult refused = run({document, u"-o"_s, none, u"--frames"_s, u"100000"_s, u"--codec"_s, u"zzzz"_s});
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+    EXPECT_EQ(refused.exitCode, 1);
+    for (const char* code : {"'zzzz'", "'mp4v'", "'avc1'", "'mjpb'", "'rle '", "'pxlt'"})
+        EXPECT_TRUE(refused.err.contains(code)) << code << " in " << refused.err.toStdString();
+    EXPECT_FALSE(refused.err.contains("frames could be compressed"));
+    EXPECT_FALSE(QFile::exists(none));
 }
 
 TEST_F(PlyraRenderTest, WritesTheWarpFieldOfOneFrame)

@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "engine/morpher.h"
+#include "platform/movie_test_support.h"
 #include "render/movie_render_controller.h"
 #include "render_test_support.h"
 
+#include <QDir>
 #include <QFile>
+#include <QImage>
+#include <QRegularExpression>
 
 #include <chrono>
 #include <filesystem>
@@ -106,6 +110,84 @@ TEST(MovieRender, ALaterFrameFinishingFirstWaitsForTheEarlierOne)
     EXPECT_LT(first->pixel(32, 24)[2], 60);
     EXPECT_GT(last->pixel(32, 24)[2], 200);
     EXPECT_LT(last->pixel(32, 24)[0], 60);
+}
+
+/// A render of six frames from red to blue, saved as `kind` asks.
+struct SixFrames {
+    test::TwoImageDocument doc;
+    MovieRenderController controller{*doc.document};
+
+    explicit SixFrames(MovieOutputKind kind)
+    {
+        doc.addStillLine(0.1f, 0.1f, 0.9f, 0.9f);
+        controller.settings().setNumberOfFrames(6);
+        controller.settings().setFramesPerSecond(12.0f);
+        controller.setOutputKind(kind);
+    }
+    QString path(const char* name) const { return doc.dir.filePath(QLatin1String(name)); }
+    QStringList entries() const { return QDir(doc.dir.path()).entryList(QDir::Files | QDir::Hidden, QDir::Name); }
+};
+
+TEST(MovieRenderOutput, AnAnimatedGifHasEveryFrameAndLoops)
+{
+    SixFrames render(MovieOutputKind::AnimatedGif);
+    EXPECT_EQ(render.controller.codec(), "rle "); // frames wait without loss
+    ASSERT_TRUE(render.controller.recalc()) << render.controller.errorString().toStdString();
+    renderToEnd(render.controller);
+    QString error;
+    ASSERT_TRUE(render.controller.saveRenderedMovie(render.path("morph.gif"), &error)) << error.toStdString();
+    const std::string gif = QFile::encodeName(render.path("morph.gif")).toStdString();
+    const auto probe = test::probeVideo(gif);
+    EXPECT_EQ(probe.at("codec_name"), "gif");
+    EXPECT_EQ(probe.at("nb_read_frames"), "6");
+    EXPECT_NEAR(std::stod(probe.at("duration")), 0.5, 0.011);
+    EXPECT_EQ(test::loopingGifPackets(gif, 20), 20);
+}
+
+TEST(MovieRenderOutput, AnImageSequenceHasOneLosslessFileAFrameOrNone)
+{
+    SixFrames render(MovieOutputKind::ImageSequence);
+    ASSERT_TRUE(render.controller.recalc());
+    renderToEnd(render.controller);
+    // The fifth frame's name is taken by a folder: nothing at all is written.
+    ASSERT_TRUE(QDir().mkpath(render.path("blocked_005.png")));
+    const QStringList before = render.entries();
+    QString error;
+    EXPECT_FALSE(render.controller.saveRenderedMovie(render.path("blocked_%03d.png"), &error));
+    EXPECT_TRUE(error.contains(QStringLiteral("blocked_005.png"))) << error.toStdString();
+    EXPECT_EQ(render.entries(), before);
+
+    ASSERT_TRUE(render.controller.saveRenderedMovie(render.path("seq_%03d.png"), &error)) << error.toStdString();
+    for (int n = 1; n <= 6; ++n)
+        EXPECT_TRUE(QFile::exists(render.path("seq_00%1.png").arg(n))) << n;
+    EXPECT_FALSE(QFile::exists(render.path("seq_007.png")));
+    // The ends are the pictures, byte for byte: red and blue.
+    EXPECT_EQ(QImage(render.path("seq_001.png")).pixel(20, 20), qRgb(255, 0, 0));
+    EXPECT_EQ(QImage(render.path("seq_006.png")).pixel(20, 20), qRgb(0, 0, 255));
+    EXPECT_EQ(render.entries().filter(QRegularExpression(QStringLiteral("^\\."))), QStringList()); // nothing beside
+}
+
+TEST(MovieRenderOutput, ACodecOutsideTheTableIsUsedOrRefusedBeforeAnyFrame)
+{
+    SixFrames jpeg(MovieOutputKind::QuickTime);
+    jpeg.controller.setCodec("jpeg");
+    ASSERT_TRUE(jpeg.controller.recalc()) << jpeg.controller.errorString().toStdString();
+    renderToEnd(jpeg.controller);
+    QString error;
+    ASSERT_TRUE(jpeg.controller.saveRenderedMovie(jpeg.path("photo.mov"), &error)) << error.toStdString();
+    const auto probe = test::probeVideo(QFile::encodeName(jpeg.path("photo.mov")).toStdString());
+    EXPECT_EQ(probe.at("codec_tag_string"), "jpeg");
+    EXPECT_EQ(probe.at("nb_read_frames"), "6");
+
+    SixFrames nothing(MovieOutputKind::QuickTime);
+    nothing.controller.setCodec("zzzz");
+    EXPECT_FALSE(nothing.controller.recalc());
+    EXPECT_TRUE(nothing.controller.morphJobs().empty());
+    EXPECT_FALSE(nothing.controller.morpher()); // no frame was computed, none will be
+    EXPECT_TRUE(nothing.controller.tempPath().empty());
+    const QString message = nothing.controller.errorString();
+    for (const char* code : {"'zzzz'", "'mp4v'", "'avc1'", "'mjpb'", "'rle '", "'pxlt'"})
+        EXPECT_TRUE(message.contains(QLatin1String(code))) << code << " in " << message.toStdString();
 }
 
 } // namespace

@@ -15,6 +15,30 @@ namespace {
 
 constexpr int kFrameDotsPerMeter = 2835; // 72 dpi
 
+bool fail(QString* error, const QString& reason)
+{
+    if (error)
+        *error = reason;
+    return false;
+}
+
+// What each format stores: JPEG has no alpha, so frames are flattened onto black, which
+// is what transparent pixels of premultiplied RGBA already are; PNG keeps straight alpha;
+// TIFF keeps the premultiplied bytes as they are. Every file says 72 dpi, whatever the
+// frame came from.
+QImage storedImage(const QImage& frame, FrameFileFormat format)
+{
+    QImage::Format stored = QImage::Format_RGBA8888_Premultiplied;
+    if (format == FrameFileFormat::Jpeg)
+        stored = QImage::Format_RGB888;
+    if (format == FrameFileFormat::Png)
+        stored = QImage::Format_RGBA8888;
+    QImage image = frame.convertToFormat(stored);
+    image.setDotsPerMeterX(kFrameDotsPerMeter);
+    image.setDotsPerMeterY(kFrameDotsPerMeter);
+    return image;
+}
+
 } // namespace
 
 QImage imageFromBitmap(const Bitmap& bitmap)
@@ -31,33 +55,6 @@ QImage imageFromBitmap(const Bitmap& bitmap)
         std::memcpy(image.scanLine(bitmap.height() - 1 - y), bitmap.row(y), rowBytes);
     return image;
 }
-
-namespace {
-
-bool fail(QString* error, const QString& reason)
-{
-    if (error)
-        *error = reason;
-    return false;
-}
-
-// What each format stores: JPEG has no alpha, so frames are flattened onto black, which
-// is what transparent pixels of premultiplied RGBA already are; PNG keeps straight alpha;
-// TIFF keeps the premultiplied bytes as they are.
-QImage storedImage(const QImage& frame, FrameFileFormat format)
-{
-    switch (format) {
-    case FrameFileFormat::Jpeg:
-        return frame.convertToFormat(QImage::Format_RGB888);
-    case FrameFileFormat::Png:
-        return frame.convertToFormat(QImage::Format_RGBA8888);
-    case FrameFileFormat::Tiff:
-        break;
-    }
-    return frame.convertToFormat(QImage::Format_RGBA8888_Premultiplied);
-}
-
-} // namespace
 
 std::optional<FrameFileFormat> frameFileFormatForPath(const QString& path)
 {

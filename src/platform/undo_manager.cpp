@@ -25,13 +25,7 @@ void UndoManager::registerUndo(const void* target, Action action)
         assert(m_groupsByEvent || m_state != State::Normal);
         beginUndoGrouping();
         m_autoGroupOpen = true;
-        // The group of this pass closes when the pass ends. The manager may be gone by
-        // then (a closed document), hence the liveness flag.
-        std::weak_ptr<bool> alive = m_alive;
-        RunLoop::main().callAtEndOfPass([this, alive] {
-            if (auto flag = alive.lock(); flag && *flag)
-                closeAutomaticGroup();
-        });
+        scheduleAutomaticClose();
     }
     if (m_state == State::Normal)
         m_redoStack.clear();
@@ -84,6 +78,24 @@ int UndoManager::groupingLevel() const
 std::vector<UndoManager::Group>& UndoManager::stackBeingBuilt()
 {
     return m_state == State::Undoing ? m_redoStack : m_undoStack;
+}
+
+void UndoManager::scheduleAutomaticClose()
+{
+    // The group of this pass closes when the pass ends. The manager may be gone by then
+    // (a closed document), hence the liveness flag.
+    std::weak_ptr<bool> alive = m_alive;
+    RunLoop::main().callAtEndOfPass([this, alive] {
+        if (auto flag = alive.lock(); !flag || !*flag)
+            return;
+        // An explicit group opened in this pass (a mouse gesture spanning several
+        // passes) is still running inside the automatic one: close both at the end of
+        // the pass in which it ends, so that later changes do not join this step.
+        if (m_autoGroupOpen && m_openGroups.size() > 1)
+            scheduleAutomaticClose();
+        else
+            closeAutomaticGroup();
+    });
 }
 
 void UndoManager::closeAutomaticGroup()

@@ -78,6 +78,7 @@ private:
     enum class State { Normal, Undoing, Redoing };
 
     std::vector<Group>& stackBeingBuilt();
+    void scheduleAutomaticClose();
     void closeAutomaticGroup();
     void runTopGroup(std::vector<Group>& from, State state);
     void notifyChanged();

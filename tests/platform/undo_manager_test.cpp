@@ -178,6 +178,32 @@ TEST_F(UndoManagerTest, NamedStepsKeepTheirIdentityThroughUndoAndRedo)
     EXPECT_EQ(undo.namedUndoStepIds().size(), 2u);
 }
 
+TEST_F(UndoManagerTest, ExplicitGroupInsideThePassGroupClosesWithItsOwnPass)
+{
+    // A gesture opens its group in a pass that has already changed something; the
+    // gesture runs over several passes. Its step must close when the gesture's last
+    // pass ends, not swallow the changes that come after it.
+    Counter c{&undo};
+    c.set(1, "Before");
+    undo.beginUndoGrouping();
+    c.set(2, "Gesture");
+    RunLoop::main().endPass();
+    c.set(3, "Gesture");
+    RunLoop::main().endPass();
+    EXPECT_EQ(undo.undoStepCount(), 0);
+    undo.endUndoGrouping();
+    RunLoop::main().endPass();
+    EXPECT_EQ(undo.undoStepCount(), 1);
+    EXPECT_EQ(undo.groupingLevel(), 0);
+    c.set(4, "After");
+    RunLoop::main().endPass();
+    EXPECT_EQ(undo.undoStepCount(), 2);
+    undo.undo();
+    EXPECT_EQ(c.value, 3);
+    undo.undo();
+    EXPECT_EQ(c.value, 0);
+}
+
 TEST(UndoManagerLifetime, ManagerDestroyedBeforeTheEndOfThePass)
 {
     {

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "editor/left_button_gesture.h"
+#include "model/morph_line.h"
+
+namespace plyra {
+
+/// Draws new lines: a press, drag and release draws one line; clicks draw a chain of
+/// joined lines, one per click, until a click within 5 units of the last point, Escape,
+/// Return or Enter. Each new line lies at the same place on both tracks and is selected
+/// while the drawing runs; the whole drawing is one undo step ("Create lines" once a
+/// second line is joined).
+/// Threads: main thread only.
+class DrawLinesGesture final : public LeftButtonGesture {
+public:
+    DrawLinesGesture(const EditorContext& context, const GestureEvent& press);
+
+    bool tracksPointerWithoutButton() const override { return true; }
+    std::optional<LineEnds> overlay() const override;
+
+protected:
+    bool step(const GestureEvent& event) override;
+
+private:
+    /// Places a point; true when the drawing ends with it.
+    bool place(Point p, bool release);
+    MorphLine::Ptr makeLine(Point start, Point end) const;
+
+    Point m_anchor;
+    Point m_rubberBand;
+    MorphLine::Ptr m_previousLine;
+};
+
+} // namespace plyra

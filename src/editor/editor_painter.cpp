@@ -1,0 +1,162 @@
+// SPDX-License-Identifier: MIT
+#include "editor/editor_painter.h"
+
+#include "editor/scaled_image_cache.h"
+
+#include <QGuiApplication>
+#include <QPainter>
+
+#include <unordered_set>
+
+namespace plyra {
+namespace {
+
+// Lines and knobs are drawn through pixel centres: a point clicked on a pixel is drawn
+// on that pixel, crisp, rather than smeared over two.
+constexpr qreal kPixelCentre = 0.5;
+constexpr double kLineMargin = 4.0;
+constexpr double kSelectedLineMargin = EditorPainter::kDrawingReach;
+constexpr qreal kOutlineWidth = 3.0;
+
+// The hint's font is made once for every editor and kept.
+const QFont& hintFont()
+{
+    static const QFont font = [] {
+        QFont f = QGuiApplication::font();
+        f.setPixelSize(18);
+        return f;
+    }();
+    return font;
+}
+
+QPen outlinePen(const QColor& lineColor)
+{
+    QColor rim = KnobImages::contrastingColor(lineColor);
+    rim.setAlphaF(0.55f * lineColor.alphaF());
+    return QPen(rim, kOutlineWidth, Qt::SolidLine, Qt::RoundCap);
+}
+
+void strokeSegment(QPainter& painter, const QPointF& a, const QPointF& b, const QPen& outline, const QPen& line)
+{
+    painter.setPen(outline);
+    painter.drawLine(a, b);
+    painter.setPen(line);
+    painter.drawLine(a, b);
+}
+
+} // namespace
+
+void EditorPainter::paint(QPainter& painter, const QRegion& dirty, const EditorScene& scene)
+{
+    for (const QRect& rect : dirty)
+        painter.fillRect(rect, scene.background);
+    const QSize viewSize(static_cast<int>(scene.mapping.width), static_cast<int>(scene.mapping.height));
+    if (scene.image)
+        scene.image->draw(painter, dirty, viewSize, scene.visibleRect, scene.imageOpacity);
+    if (!scene.hint.isEmpty())
+        paintHint(painter, scene);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(kPixelCentre, kPixelCentre);
+    if (scene.lines)
+        paintLines(painter, dirty, scene);
+    if (scene.overlay) {
+        const QPen line(scene.lineColor, 1.0, Qt::SolidLine, Qt::FlatCap);
+        strokeSegment(painter, scene.mapping.toWidget(scene.overlay->start), scene.mapping.toWidget(scene.overlay->end),
+            outlinePen(scene.lineColor), line);
+    }
+    paintSelectionRect(painter, scene);
+    painter.restore();
+    if (scene.dropHighlight) {
+        painter.setPen(QPen(*scene.dropHighlight, 3.0));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRect(QRectF(scene.visibleRect).adjusted(1.5, 1.5, -1.5, -1.5));
+    }
+}
+
+void EditorPainter::paintLines(QPainter& painter, const QRegion& dirty, const EditorScene& scene)
+{
+    std::unordered_set<const MorphLine*> selected;
+    if (scene.selectedLines)
+        for (const MorphLine::Ptr& line : *scene.selectedLines)
+            selected.insert(line.get());
+    const QPen outline = outlinePen(scene.lineColor);
+    const QPen linePen(scene.lineColor, 1.0, Qt::SolidLine, Qt::FlatCap);
+    const QRect dirtyBounds = dirty.boundingRect();
+    for (const MorphLine::Ptr& line : *scene.lines) {
+        const LineEnds ends = scene.mapping.lineEnds(*line, scene.track);
+        const bool isSelected = selected.count(line.get()) > 0;
+        const QRectF box = scene.mapping.toWidget(boxOf(ends.start, ends.end));
+        const QRect reach = grownWidgetRect(box, isSelected ? kSelectedLineMargin : kLineMargin);
+        if (!reach.intersects(dirtyBounds) || !dirty.intersects(reach))
+            continue;
+        strokeSegment(painter, scene.mapping.toWidget(ends.start), scene.mapping.toWidget(ends.end), outline, linePen);
+        // Right after the line, so that a later line is drawn over these knobs.
+        if (isSelected)
+            paintKnobs(painter, ends, scene);
+    }
+}
+
+void EditorPainter::paintKnobs(QPainter& painter, const LineEnds& ends, const EditorScene& scene)
+{
+    const qreal dpr = painter.device()->devicePixelRatioF();
+    const QImage& start = m_knobs.startKnob(scene.lineColor, dpr);
+    const QImage& end = m_knobs.endKnob(scene.lineColor, dpr);
+    const qreal alpha = scene.lineColor.alphaF();
+    const qreal oldOpacity = painter.opacity();
+    // A nearly opaque colour draws its knobs opaque, any other with the colour's alpha.
+    painter.setOpacity(alpha > 0.9 ? 1.0 : alpha);
+    const QPointF half(KnobImages::kSize / 2.0, KnobImages::kSize / 2.0);
+    painter.drawImage(scene.mapping.toWidget(ends.start) - half, start);
+    painter.drawImage(scene.mapping.toWidget(ends.end) - half, end);
+    painter.setOpacity(oldOpacity);
+}
+
+void EditorPainter::paintSelectionRect(QPainter& painter, const EditorScene& scene)
+{
+    if (scene.selectionRect.isEmpty())
+        return;
+    QPen pen(selectionRectColor(scene.lineColor), 3.0, Qt::CustomDashLine, Qt::FlatCap, Qt::MiterJoin);
+    // 5 units on, 2 off; Qt measures dashes in pen widths.
+    pen.setDashPattern({5.0 / 3.0, 2.0 / 3.0});
+    painter.setPen(pen);
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(scene.mapping.toWidget(scene.selectionRect));
+}
+
+void EditorPainter::paintHint(QPainter& painter, const EditorScene& scene)
+{
+    const QRectF rect = hintRect(scene.mapping);
+    if (rect.width() <= 0.0 || rect.height() <= 0.0)
+        return;
+    painter.setFont(hintFont());
+    painter.setPen(scene.hintColor);
+    painter.drawText(rect, Qt::AlignCenter | Qt::TextWordWrap, scene.hint);
+}
+
+QRect EditorPainter::segmentRect(const ViewMapping& mapping, const LineEnds& ends)
+{
+    return grownWidgetRect(mapping.toWidget(boxOf(ends.start, ends.end)), 5.0);
+}
+
+QRect EditorPainter::selectionRectArea(const ViewMapping& mapping, ViewRect rect)
+{
+    if (rect.isEmpty())
+        return {};
+    return grownWidgetRect(mapping.toWidget(rect), 3.0);
+}
+
+QRectF EditorPainter::hintRect(const ViewMapping& mapping)
+{
+    return QRectF(50.0, 100.0, mapping.width - 100.0, mapping.height - 200.0);
+}
+
+QColor EditorPainter::selectionRectColor(const QColor& lineColor)
+{
+    // Half and half with device white 0.5 at alpha 0.5, alpha included.
+    auto mix = [](float a, float b) { return 0.5f * a + 0.5f * b; };
+    return QColor::fromRgbF(mix(lineColor.redF(), 0.5f), mix(lineColor.greenF(), 0.5f), mix(lineColor.blueF(), 0.5f),
+        mix(lineColor.alphaF(), 0.5f));
+}
+
+} // namespace plyra

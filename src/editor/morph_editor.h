@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "editor/editor_painter.h"
+#include "editor/gesture_event.h"
+#include "editor/line_damage.h"
+#include "editor/scaled_image_cache.h"
+#include "model/line_color.h"
+
+#include <QRectF>
+#include <QSizeF>
+#include <QWidget>
+
+#include <memory>
+
+class QAbstractScrollArea;
+
+namespace plyra {
+
+class EditorCommands;
+class EditorGesture;
+class MorphEditorDataSource;
+
+/// The view of one track: its image scaled to the view, with every line of the document
+/// at the track's time, in which the user draws, picks, drags, nudges, connects and
+/// deletes lines and drops the track's image. View units have the origin at the bottom
+/// left and y upward; the editor draws and hands each mouse gesture to a gesture object
+/// chosen at the press. Every change goes to the document through its undoable
+/// operations; one gesture is one undo step. Meant to sit in a QScrollArea: zooming
+/// resizes the editor, sizeToFit() fits it into the scroll area.
+/// Threads: main thread only.
+class MorphEditor : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit MorphEditor(QWidget* parent = nullptr);
+    ~MorphEditor() override;
+
+    unsigned track() const { return m_context.track; }
+    /// 0 for the first image, 1 for the last.
+    void setTrack(unsigned track);
+    MorphEditorDataSource* dataSource() const { return m_context.dataSource; }
+    /// Not owned: set none (or another) before the document goes away. Ends a gesture
+    /// in progress on the old one.
+    void setDataSource(MorphEditorDataSource* dataSource);
+
+    /// Whether a mouse gesture runs (a drag, or a chain of lines being drawn).
+    bool isGestureActive() const { return m_gesture != nullptr; }
+    /// Ends the gesture in progress where it stands, closing its undo step; call it
+    /// before Undo, Redo or any other command that changes the document.
+    void finishGesture();
+
+    /// The bounding box of the selected lines in view units (origin bottom left, y up);
+    /// the zero rectangle for no selection.
+    QRectF rectOfSelectedLines() const;
+    /// The largest size of the image's aspect ratio that fits into contentSize.
+    static QSizeF fittedSize(QSizeF imageSize, QSizeF contentSize);
+    /// The content size of the scroll area's frame with both scroll bars shown.
+    static QSizeF contentSizeOf(const QAbstractScrollArea& scrollArea);
+
+    QSize sizeHint() const override;
+
+public slots:
+    void selectAll();
+    void selectNone();
+    /// Extends the selection along joins.
+    void selectAttachedLines();
+    /// Deletes the selected lines.
+    void clear();
+    /// Scrolls the enclosing scroll area so that the selection is centred.
+    void centerSelectionInVisibleArea();
+    void center() { centerSelectionInVisibleArea(); }
+    /// Sizes the editor to the largest size of its image's aspect ratio that fits the
+    /// enclosing scroll area, then centres the selection. Nothing without an image.
+    void sizeToFit();
+
+signals:
+    /// A message for the window's status bar, such as why a dropped file was refused.
+    void statusMessageRequested(const QString& message);
+
+protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private:
+    struct ShownImages {
+        qint64 own = 0;
+        qint64 other = 0;
+        bool operator==(const ShownImages&) const = default;
+    };
+
+    void documentChanged();
+    void redrawAll();
+    bool refreshImages();
+    void syncLines();
+    EditorCommands commands() const;
+
+    GestureEvent gestureEvent(const QMouseEvent& event, bool press) const;
+    void dispatch(const GestureEvent& event);
+    void startGesture(const GestureEvent& press);
+    void afterGestureEvent();
+    void endGesture();
+    void updateOverlay();
+    bool claimsKey(int key) const;
+
+    QAbstractScrollArea* scrollArea() const;
+    void scrollTo(double x, double y);
+    EditorScene scene(const QRect& visible);
+
+    EditorContext m_context;
+    std::unique_ptr<EditorGesture> m_gesture;
+    bool m_savedMouseTracking = false;
+    QRect m_overlayArea;
+    LineDamage m_damage;
+    ScaledImageCache m_imageCache;
+    EditorPainter m_painter;
+    ShownImages m_shownImages;
+    bool m_hasOwnImage = false;
+    bool m_hasOtherImage = false;
+    LineColor m_lineColor;
+    bool m_dropHighlight = false;
+};
+
+} // namespace plyra

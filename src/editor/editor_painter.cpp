@@ -6,6 +6,7 @@
 #include <QGuiApplication>
 #include <QPainter>
 
+#include <cmath>
 #include <unordered_set>
 
 namespace plyra {
@@ -16,7 +17,6 @@ namespace {
 constexpr qreal kPixelCentre = 0.5;
 constexpr double kLineMargin = 4.0;
 constexpr double kSelectedLineMargin = EditorPainter::kDrawingReach;
-constexpr qreal kOutlineWidth = 3.0;
 
 // The hint's font is made once for every editor and kept.
 const QFont& hintFont()
@@ -29,17 +29,32 @@ const QFont& hintFont()
     return font;
 }
 
+// The outline: the contrasting colour mixed with the line colour, as opaque as the line.
+// An opaque colour also keeps the raster engine on its fast path for thin lines.
 QPen outlinePen(const QColor& lineColor)
 {
-    QColor rim = KnobImages::contrastingColor(lineColor);
-    rim.setAlphaF(0.55f * lineColor.alphaF());
-    return QPen(rim, kOutlineWidth, Qt::SolidLine, Qt::RoundCap);
+    const QColor contrast = KnobImages::contrastingColor(lineColor);
+    auto mix = [](float a, float b) { return 0.6f * a + 0.4f * b; };
+    const QColor rim = QColor::fromRgbF(mix(contrast.redF(), lineColor.redF()), mix(contrast.greenF(), lineColor.greenF()),
+        mix(contrast.blueF(), lineColor.blueF()), lineColor.alphaF());
+    return QPen(rim, 1.0, Qt::SolidLine, Qt::FlatCap);
 }
 
+// The line with a thin outline of the contrasting colour on either side, so that it
+// shows on dark and light photos alike. The outline is two thin lines beside it rather
+// than one wide stroke underneath: antialiased wide strokes in a translucent colour
+// cost the raster engine ten times as much, and two hundred lines must paint in a few
+// milliseconds.
 void strokeSegment(QPainter& painter, const QPointF& a, const QPointF& b, const QPen& outline, const QPen& line)
 {
-    painter.setPen(outline);
-    painter.drawLine(a, b);
+    const QPointF d = b - a;
+    const qreal length = std::hypot(d.x(), d.y());
+    if (length > 0.0) {
+        const QPointF normal(-d.y() / length, d.x() / length);
+        painter.setPen(outline);
+        painter.drawLine(a + normal, b + normal);
+        painter.drawLine(a - normal, b - normal);
+    }
     painter.setPen(line);
     painter.drawLine(a, b);
 }

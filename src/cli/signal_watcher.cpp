@@ -24,9 +24,13 @@ SignalWatcher::SignalWatcher(std::chrono::milliseconds grace)
     : m_grace(grace)
 {
     sigemptyset(&m_signals);
-    sigaddset(&m_signals, SIGINT);
-    sigaddset(&m_signals, SIGTERM);
-    sigaddset(&m_signals, SIGHUP);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        // A signal the caller chose to ignore (nohup, a background job) stays ignored.
+        struct sigaction current {};
+        if (sigaction(signal, nullptr, &current) == 0 && current.sa_handler == SIG_IGN)
+            continue;
+        sigaddset(&m_signals, signal);
+    }
     // Threads started from here on inherit the mask: only the watcher takes the signals.
     pthread_sigmask(SIG_BLOCK, &m_signals, nullptr);
     m_thread = std::thread([this] { watch(); });

@@ -13,7 +13,8 @@ namespace plyra {
 /// has not ended within a grace period after the first signal (a decoder busy inside one
 /// huge image), or at a second signal, it removes the temporary files still listed
 /// (TemporaryFiles) and exits at once with 130, so that an interrupt always ends the run
-/// promptly and leaves nothing behind.
+/// promptly and leaves nothing behind. A signal already ignored when the program starts
+/// (nohup, a background job of a script) stays ignored.
 /// Threads: construct on the main thread before any other thread starts: the signals are
 /// blocked in every thread and taken by a thread of the watcher's own.
 class SignalWatcher {

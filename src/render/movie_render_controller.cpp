@@ -159,6 +159,8 @@ void MovieRenderController::consumeFinishedJobs()
         m_conversions->push(jobs().front()->outputImage());
         ++m_framesAppended;
         jobs().pop_front();
+        if (stopOnWriterFailure())
+            return;
     }
 }
 

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Times a whole movie render against encoding the same frames alone, and measures the
-// peak memory of a long render.
+// peak memory of a long render, or of renders of several lengths (each in a process of
+// its own), which must not depend on the length.
 //
 //   movie_bench [frames=48] [width=1920] [height=1080] [lines=100] [codec=mp4v] [quality=768]
-//   movie_bench --memory [frames=500]
+//   movie_bench --memory [frames=500] [width] [height] [lines] [codec] [quality]
+//   movie_bench --memory-table [width=300] [height=300] [codec=mp4v] [frames...=1000 10000 100000]
 #include "model/morph_document.h"
 #include "platform/movie/movie.h"
 #include "platform/qt/user_defaults.h"
@@ -13,6 +15,8 @@
 
 #include <QCoreApplication>
 #include <QImage>
+#include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 #include <chrono>
@@ -106,11 +110,47 @@ double encodeOnly(const std::vector<RgbaImage>& frames, int count, const std::st
     return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
+// Runs `--memory` once per frame count, each in a fresh process, and prints the peaks
+// with their spread.
+int memoryTable(int argc, char* argv[])
+{
+    const QString width = argc > 2 ? QString::fromLocal8Bit(argv[2]) : QStringLiteral("300");
+    const QString height = argc > 3 ? QString::fromLocal8Bit(argv[3]) : QStringLiteral("300");
+    const QString codec = argc > 4 ? QString::fromLocal8Bit(argv[4]) : QStringLiteral("mp4v");
+    QStringList counts;
+    for (int i = 5; i < argc; ++i)
+        counts << QString::fromLocal8Bit(argv[i]);
+    if (counts.isEmpty())
+        counts = {QStringLiteral("1000"), QStringLiteral("10000"), QStringLiteral("100000")};
+    const QRegularExpression peak(QStringLiteral("peak resident (\\d+) MiB"));
+    double lowest = 1e300;
+    double highest = 0;
+    for (const QString& count : counts) {
+        QProcess run;
+        run.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        run.start(QString::fromLocal8Bit(argv[0]), {QStringLiteral("--memory"), count, width, height, QStringLiteral("20"), codec});
+        run.waitForFinished(-1);
+        const QString line = QString::fromUtf8(run.readAllStandardOutput()).trimmed();
+        std::printf("%s\n", qPrintable(line));
+        const QRegularExpressionMatch match = peak.match(line);
+        if (!match.hasMatch())
+            return 1;
+        const double mib = match.captured(1).toDouble();
+        lowest = std::min(lowest, mib);
+        highest = std::max(highest, mib);
+    }
+    std::printf("peak resident from %.0f to %.0f MiB: the longest run needs %.1f %% more than the shortest\n", lowest,
+                highest, (highest / lowest - 1.0) * 100.0);
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
 {
     QCoreApplication app(argc, argv);
+    if (argc > 1 && std::string(argv[1]) == "--memory-table")
+        return memoryTable(argc, argv);
     QTemporaryDir dir;
     UserDefaults::standard().useFile(dir.filePath(QStringLiteral("defaults.ini")));
     const bool memory = argc > 1 && std::string(argv[1]) == "--memory";

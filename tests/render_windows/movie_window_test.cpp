@@ -64,6 +64,7 @@ private slots:
     void temporaryMoviesComeAndGo();
     void savesASelfContainedMovie_data();
     void savesASelfContainedMovie();
+    void aCodecNothingCanWriteIsShown();
 };
 
 void MovieWindowTest::titles_data()
@@ -224,6 +225,27 @@ void MovieWindowTest::savesASelfContainedMovie()
     QTEST(probed.value(QStringLiteral("codec_name")), "codecName");
     QCOMPARE(probed.value(QStringLiteral("nb_read_frames")), QStringLiteral("12"));
     QCOMPARE(probed.value(QStringLiteral("duration")).toDouble(), 0.5);
+}
+
+void MovieWindowTest::aCodecNothingCanWriteIsShown()
+{
+    test::WindowTestDocument doc;
+    doc.document->setCodecFormat(QStringLiteral("zz9q"));
+    MovieWindow window(*doc.document);
+    QSignalSpy started(&window, &RenderWindow::renderStarted);
+    window.show();
+    const QString& message = window.player()->pictureView()->message();
+    QVERIFY(test::waitFor([&] { return !message.isEmpty(); }));
+    QVERIFY2(message.startsWith(QStringLiteral("The movie cannot be rendered: ")), qPrintable(message));
+    QVERIFY(message.contains(QStringLiteral("zz9q")));
+    QCOMPARE(started.count(), 0);
+    QVERIFY(window.renderer().tempPath().empty());
+
+    // A codec that works clears the message and renders.
+    doc.document->setCodecFormat(QStringLiteral("mp4v"));
+    QVERIFY(started.wait());
+    QVERIFY(message.isEmpty());
+    window.close();
 }
 
 QTEST_MAIN(MovieWindowTest)

@@ -22,6 +22,13 @@ void MoviePictureView::setImage(const QImage& image)
     update();
 }
 
+void MoviePictureView::setMessage(const QString& message)
+{
+    m_message = message;
+    setAccessibleDescription(message);
+    update();
+}
+
 void MoviePictureView::setPreservesAspectRatio(bool preserve)
 {
     if (preserve == m_preserveAspect)
@@ -51,8 +58,11 @@ void MoviePictureView::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     painter.fillRect(rect(), Qt::black);
-    if (m_image.isNull())
+    if (m_image.isNull()) {
+        painter.setPen(Qt::white);
+        painter.drawText(rect().adjusted(16, 16, -16, -16), Qt::AlignCenter | Qt::TextWordWrap, m_message);
         return;
+    }
     const QRect target = imageRect();
     if (m_scaled.size() != target.size())
         m_scaled = m_image.size() == target.size()

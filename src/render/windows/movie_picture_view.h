@@ -17,6 +17,9 @@ public:
 
     void setImage(const QImage& image);
     const QImage& image() const { return m_image; }
+    /// A text shown instead of a picture (why there is no movie); empty for none.
+    void setMessage(const QString& message);
+    const QString& message() const { return m_message; }
     void setPreservesAspectRatio(bool preserve);
     bool preservesAspectRatio() const { return m_preserveAspect; }
     /// Where the frame is drawn within the view.
@@ -31,6 +34,7 @@ private:
     // The frame scaled to imageRect(), made once per frame and size: scaling a large
     // frame at every paint would cost the main thread more than decoding it.
     QImage m_scaled;
+    QString m_message;
     bool m_preserveAspect = true;
 };
 

@@ -76,6 +76,11 @@ bool MovieWindow::startRender()
     m_framesShown = 0;
     m_complete = false;
     m_player->setWriter(renderer().writer());
+    // Found before any frame is computed: a codec that cannot take this size, no room
+    // for the temporary movie.
+    const QString reason = renderer().errorString();
+    m_player->pictureView()->setMessage(
+        started || reason.isEmpty() ? QString() : tr("The movie cannot be rendered: %1").arg(reason));
     updateAspectMode();
     if (!sizesToView())
         sizeWindowToMovie();

@@ -16,6 +16,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTest>
+#include <QTranslator>
 
 using namespace plyra;
 
@@ -44,6 +45,7 @@ private slots:
     void codecAndQualityPopups_data();
     void codecAndQualityPopups();
     void codecChoiceGoesToDocumentAndDefaults();
+    void germanTexts();
 };
 
 void RenderSettingsSheetTest::sizeFieldsFollowTheRatio_data()
@@ -219,6 +221,26 @@ void RenderSettingsSheetTest::codecChoiceGoesToDocumentAndDefaults()
     QCOMPARE(doc.document->codecFormat(), QStringLiteral("avc1"));
     QCOMPARE(MorphDocument().codecFormat(), QStringLiteral("avc1"));
     window.close();
+}
+
+void RenderSettingsSheetTest::germanTexts()
+{
+    QTranslator german;
+    QVERIFY(german.load(QStringLiteral(":/i18n/plyra_render_de.qm")));
+    QCoreApplication::installTranslator(&german);
+    MovieSettingsSheet sheet;
+    SheetSettings settings;
+    settings.numberOfFrames = 48;
+    settings.framesPerSecond = 25.0f;
+    sheet.load(settings, {1.0f, 1.0f});
+    sheet.loadCodec(QStringLiteral("mp4v"), 768);
+    QCOMPARE(sheet.codecPopup()->currentText(), QStringLiteral("MPEG-4 (beste Kompatibilität)"));
+    QCOMPARE(sheet.qualityPopup()->currentText(), QStringLiteral("Hoch/groß"));
+    QCOMPARE(sheet.ratioPopup()->itemText(0), QStringLiteral("Wie erstes Bild"));
+    QVERIFY(sheet.durationField()->text().startsWith(QStringLiteral("insgesamt: 1")));
+    QCOMPARE(MovieWindow::titleForProgress(QStringLiteral("Gesichter"), 0.45f),
+        QStringLiteral("Gesichter Film wird berechnet (45 %)"));
+    QCoreApplication::removeTranslator(&german);
 }
 
 QTEST_MAIN(RenderSettingsSheetTest)

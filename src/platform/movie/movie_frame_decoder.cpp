@@ -137,7 +137,12 @@ std::optional<RgbaImage> MovieFrameDecoder::decode(size_t sampleIndex, MovieStat
     if (result.ok() && !(m_lastDecoded && *m_lastDecoded + 1 == sampleIndex)) {
         while (start > 0 && !m_media.sample(start).sync)
             --start;
-        avcodec_flush_buffers(m_context);
+        // Forward past no key frame: go on from the frame decoded last instead of
+        // decoding from the key frame again (a player that skips frames does this).
+        if (m_lastDecoded && *m_lastDecoded >= start && *m_lastDecoded < sampleIndex)
+            start = *m_lastDecoded + 1;
+        else
+            avcodec_flush_buffers(m_context);
     }
     for (size_t i = start; result.ok() && i <= sampleIndex; ++i) {
         result = send(i);

@@ -54,6 +54,8 @@ MoviePlayer::MoviePlayer(QWidget* parent)
     layout->addWidget(m_bar);
     m_clock.setInterval(kClockIntervalMs);
     connect(&m_clock, &QTimer::timeout, this, &MoviePlayer::refresh);
+    connect(&m_fetcher, &MovieFrameFetcher::frameDecoded, this, &MoviePlayer::frameDecoded);
+    m_picture->installEventFilter(this);
     updateControls();
 }
 
@@ -91,7 +93,9 @@ int MoviePlayer::controllerBarHeight() const
 
 void MoviePlayer::setWriter(AsyncMovieWriter* writer)
 {
+    m_fetcher.setWriter(writer);
     m_source.setWriter(writer);
+    m_requested.reset();
     m_playhead.stop(0);
     m_playhead.gotoBeginning();
     m_shown.reset();
@@ -169,19 +173,26 @@ void MoviePlayer::refresh()
     m_source.refresh();
     settlePlayhead();
     const std::optional<std::size_t> wanted = m_source.frameIndexAt(currentTime());
-    if (wanted && wanted != m_shown) {
-        if (std::optional<QImage> image = m_source.decode(*wanted)) {
-            m_picture->setImage(*image);
-            m_shown = wanted;
-        }
+    if (wanted && wanted != m_shown && wanted != m_requested) {
+        m_requested = wanted;
+        m_fetcher.request(static_cast<int>(*wanted), m_picture->size(), m_picture->preservesAspectRatio());
     }
-    // Keep looking while playing, and while the movie was too busy to give the frame.
-    const bool waiting = wanted && wanted != m_shown && m_source.wasBusy();
-    if (isPlaying() || waiting)
+    if (isPlaying())
         m_clock.start();
     else
         m_clock.stop();
     updateControls();
+}
+
+void MoviePlayer::frameDecoded(int generation, int index, const QImage& image)
+{
+    if (generation != m_fetcher.generation() || !m_requested || static_cast<int>(*m_requested) != index)
+        return; // a frame of an earlier movie or request
+    m_requested.reset();
+    if (image.isNull())
+        return;
+    m_picture->setImage(image);
+    m_shown = static_cast<std::size_t>(index);
 }
 
 void MoviePlayer::updateControls()
@@ -202,6 +213,30 @@ void MoviePlayer::updateControls()
 void MoviePlayer::sliderMoved(int value)
 {
     setCurrentTime(value);
+}
+
+bool MoviePlayer::eventFilter(QObject* watched, QEvent* event)
+{
+    // Frames come scaled for the picture: a new size wants the frame again at that size.
+    if (watched == m_picture && event->type() == QEvent::Resize)
+        requestShownFrameAgain();
+    return QWidget::eventFilter(watched, event);
+}
+
+void MoviePlayer::requestShownFrameAgain()
+{
+    if (!m_shown || m_requested)
+        return;
+    m_requested = m_shown;
+    m_fetcher.request(static_cast<int>(*m_shown), m_picture->size(), m_picture->preservesAspectRatio());
+}
+
+void MoviePlayer::setPreservesAspectRatio(bool preserve)
+{
+    if (preserve == m_picture->preservesAspectRatio())
+        return;
+    m_picture->setPreservesAspectRatio(preserve);
+    requestShownFrameAgain();
 }
 
 void MoviePlayer::keyPressEvent(QKeyEvent* event)

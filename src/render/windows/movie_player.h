@@ -2,7 +2,8 @@
 #pragma once
 
 #include "platform/movie/movie_playhead.h"
-#include "render/windows/movie_frame_source.h"
+#include "render/windows/movie_frame_fetcher.h"
+#include "render/windows/movie_frame_times.h"
 
 #include <QTimer>
 #include <QWidget>
@@ -21,8 +22,9 @@ class MoviePictureView;
 
 /// A movie player: the picture with a controller bar under it (play and pause, a step
 /// back and forward, the position and the time). It decodes the movie itself with the
-/// project's movie framework, also while the movie still grows, and never waits for the
-/// movie's writer: a busy movie is read again a moment later.
+/// project's movie framework, also while the movie still grows, on a thread of its own:
+/// the main thread never waits for a frame or for the movie's writer, and the picture
+/// shows the last frame decoded until the next one is there.
 /// Threads: main thread.
 class MoviePlayer : public QWidget {
     Q_OBJECT
@@ -50,6 +52,9 @@ public:
     /// The frame on screen, if any.
     std::optional<std::size_t> shownFrame() const { return m_shown; }
 
+    /// Whether the picture keeps the movie's proportions or fills the view.
+    void setPreservesAspectRatio(bool preserve);
+
     /// Reads the movie again and shows the frame of the current time.
     void refresh();
 
@@ -59,17 +64,23 @@ public:
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     QWidget* buildControllerBar();
     void updateControls();
     void sliderMoved(int value);
     void settlePlayhead();
+    void requestShownFrameAgain();
 
-    MovieFrameSource m_source;
+    void frameDecoded(int generation, int index, const QImage& image);
+
+    MovieFrameTimes m_source;
+    MovieFrameFetcher m_fetcher;
     MoviePlayhead m_playhead;
     QTimer m_clock;
     std::optional<std::size_t> m_shown;
+    std::optional<std::size_t> m_requested;
     MoviePictureView* m_picture = nullptr;
     QWidget* m_bar = nullptr;
     QToolButton* m_playButton = nullptr;

@@ -143,7 +143,7 @@ void MovieWindow::applySheetSettings(const RenderSettingsSheet& sheet)
 
 void MovieWindow::updateAspectMode()
 {
-    m_player->pictureView()->setPreservesAspectRatio(frameRatioMode() != static_cast<int>(FrameRatioMode::Free));
+    m_player->setPreservesAspectRatio(frameRatioMode() != static_cast<int>(FrameRatioMode::Free));
 }
 
 SaveFileTypes MovieWindow::saveFileTypes() const

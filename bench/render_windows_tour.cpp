@@ -2,7 +2,7 @@
 // Opens a document in the render windows for a look by eye: the frame window, the movie
 // window and a main window with the preview strip docked at its bottom.
 //
-//   render_windows_tour [DOC.plyra] [--sheet frame|movie] [--grab DIR]
+//   render_windows_tour [DOC.plyra] [--sheet frame|movie] [--grab DIR] [--frames N]
 #include "model/morph_document.h"
 #include "platform/qt/qt_run_loop.h"
 #include "platform/qt/user_defaults.h"
@@ -29,12 +29,15 @@ int main(int argc, char* argv[])
     UserDefaults::standard().useFile(dir.filePath(QStringLiteral("defaults.ini")));
     QString path = QStringLiteral(PLYRA_SOURCE_DIR "/resources/demo/demo.plyra");
     QString sheet;
+    int movieFrames = 20;
     const QStringList args = app.arguments();
     for (int i = 1; i < args.size(); ++i) {
         if (args[i] == QStringLiteral("--sheet") && i + 1 < args.size())
             sheet = args[++i];
         else if (args[i] == QStringLiteral("--grab"))
             ++i;
+        else if (args[i] == QStringLiteral("--frames") && i + 1 < args.size())
+            movieFrames = args[++i].toInt();
         else
             path = args[i];
     }
@@ -65,6 +68,7 @@ int main(int argc, char* argv[])
     frame.show();
 
     MovieWindow movie(document);
+    movie.setNumberOfFrames(static_cast<std::uint32_t>(movieFrames));
     movie.setDocumentDisplayName(name);
     movie.setDocumentFilePath(path);
     movie.move(640, 10);

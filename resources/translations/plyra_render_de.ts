@@ -12,40 +12,40 @@
 <context>
     <name>plyra::FrameWindow</name>
     <message>
-        <location filename="../../src/render/windows/frame_window.cpp" line="29"/>
-        <source>No frame has been rendered yet.</source>
-        <translation>Es wurde noch kein Bild berechnet.</translation>
-    </message>
-    <message>
-        <location filename="../../src/render/windows/frame_window.cpp" line="51"/>
+        <location filename="../../src/render/windows/frame_window.cpp" line="21"/>
         <source>Rendered image</source>
         <translation>Berechnetes Bild</translation>
     </message>
     <message>
-        <location filename="../../src/render/windows/frame_window.cpp" line="65"/>
-        <location filename="../../src/render/windows/frame_window.cpp" line="68"/>
+        <location filename="../../src/render/windows/frame_window.cpp" line="35"/>
+        <location filename="../../src/render/windows/frame_window.cpp" line="38"/>
         <source>Morph position</source>
         <translation>Morph-Position</translation>
     </message>
     <message>
-        <location filename="../../src/render/windows/frame_window.cpp" line="66"/>
+        <location filename="../../src/render/windows/frame_window.cpp" line="36"/>
         <source>The morph time of the frame</source>
         <translation>Der Morph-Zeitpunkt des Bildes</translation>
     </message>
     <message>
-        <location filename="../../src/render/windows/frame_window.cpp" line="119"/>
+        <location filename="../../src/render/windows/frame_window.cpp" line="89"/>
         <source>%1 rendered image %2%</source>
         <translation>%1 berechnetes Bild %2 %</translation>
     </message>
     <message>
-        <location filename="../../src/render/windows/frame_window.cpp" line="130"/>
+        <location filename="../../src/render/windows/frame_window.cpp" line="100"/>
         <source>JPEG image (*.jpg *.jpeg)</source>
         <translation>JPEG-Bild (*.jpg *.jpeg)</translation>
     </message>
     <message>
-        <location filename="../../src/render/windows/frame_window.cpp" line="130"/>
+        <location filename="../../src/render/windows/frame_window.cpp" line="100"/>
         <source>PNG image, lossless (*.png)</source>
         <translation>PNG-Bild, verlustfrei (*.png)</translation>
+    </message>
+    <message>
+        <location filename="../../src/render/windows/frame_window.cpp" line="100"/>
+        <source>TIFF image, lossless (*.tif *.tiff)</source>
+        <translation>TIFF-Bild, verlustfrei (*.tif *.tiff)</translation>
     </message>
 </context>
 <context>
@@ -64,43 +64,43 @@
         <translation>Filmwiedergabe</translation>
     </message>
     <message>
-        <location filename="../../src/render/windows/movie_player.cpp" line="64"/>
+        <location filename="../../src/render/windows/movie_player.cpp" line="66"/>
         <source>Movie controls</source>
         <translation>Filmsteuerung</translation>
     </message>
     <message>
-        <location filename="../../src/render/windows/movie_player.cpp" line="67"/>
-        <location filename="../../src/render/windows/movie_player.cpp" line="191"/>
+        <location filename="../../src/render/windows/movie_player.cpp" line="69"/>
+        <location filename="../../src/render/windows/movie_player.cpp" line="202"/>
         <source>Play</source>
         <translation>Abspielen</translation>
     </message>
     <message>
-        <location filename="../../src/render/windows/movie_player.cpp" line="68"/>
+        <location filename="../../src/render/windows/movie_player.cpp" line="70"/>
         <source>Step backward</source>
         <translation>Ein Bild zurück</translation>
     </message>
     <message>
-        <location filename="../../src/render/windows/movie_player.cpp" line="69"/>
+        <location filename="../../src/render/windows/movie_player.cpp" line="71"/>
         <source>Step forward</source>
         <translation>Ein Bild vor</translation>
     </message>
     <message>
-        <location filename="../../src/render/windows/movie_player.cpp" line="71"/>
+        <location filename="../../src/render/windows/movie_player.cpp" line="73"/>
         <source>Position</source>
         <translation>Position</translation>
     </message>
     <message>
-        <location filename="../../src/render/windows/movie_player.cpp" line="74"/>
+        <location filename="../../src/render/windows/movie_player.cpp" line="76"/>
         <source>Time</source>
         <translation>Zeit</translation>
     </message>
     <message>
-        <location filename="../../src/render/windows/movie_player.cpp" line="191"/>
+        <location filename="../../src/render/windows/movie_player.cpp" line="202"/>
         <source>Pause</source>
         <translation>Anhalten</translation>
     </message>
     <message>
-        <location filename="../../src/render/windows/movie_player.cpp" line="199"/>
+        <location filename="../../src/render/windows/movie_player.cpp" line="210"/>
         <source>%1 / %2</source>
         <translation>%1 / %2</translation>
     </message>
@@ -407,32 +407,32 @@
 <context>
     <name>plyra::RenderWindow</name>
     <message>
-        <location filename="../../src/render/windows/render_window.cpp" line="23"/>
+        <location filename="../../src/render/windows/render_window.cpp" line="24"/>
         <source>Untitled</source>
         <translation>Ohne Titel</translation>
     </message>
     <message>
-        <location filename="../../src/render/windows/render_window.cpp" line="29"/>
+        <location filename="../../src/render/windows/render_window.cpp" line="30"/>
         <source>Close</source>
         <translation>Schließen</translation>
     </message>
     <message>
-        <location filename="../../src/render/windows/render_window.cpp" line="45"/>
+        <location filename="../../src/render/windows/render_window.cpp" line="46"/>
         <source>Save</source>
         <translation>Speichern</translation>
     </message>
     <message>
-        <location filename="../../src/render/windows/render_window.cpp" line="46"/>
+        <location filename="../../src/render/windows/render_window.cpp" line="47"/>
         <source>Save the rendered result</source>
         <translation>Das berechnete Ergebnis speichern</translation>
     </message>
     <message>
-        <location filename="../../src/render/windows/render_window.cpp" line="50"/>
+        <location filename="../../src/render/windows/render_window.cpp" line="51"/>
         <source>Settings</source>
         <translation>Einstellungen</translation>
     </message>
     <message>
-        <location filename="../../src/render/windows/render_window.cpp" line="51"/>
+        <location filename="../../src/render/windows/render_window.cpp" line="52"/>
         <source>Change the render settings</source>
         <translation>Die Berechnungseinstellungen ändern</translation>
     </message>

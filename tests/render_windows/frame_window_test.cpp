@@ -275,8 +275,10 @@ void FrameWindowTest::savedFramesMatchPlyraRender()
     QVERIFY(renderToEnd(window));
     const QString fromWindow = doc.dir.filePath(QStringLiteral("window.jpg"));
     const QString png = doc.dir.filePath(QStringLiteral("window.png"));
+    const QString tiff = doc.dir.filePath(QStringLiteral("window.tif"));
     QVERIFY(window.saveToPath(fromWindow));
     QVERIFY(window.saveToPath(png));
+    QVERIFY(window.saveToPath(tiff));
 
     const QString fromCli = doc.dir.filePath(QStringLiteral("cli.jpg"));
     QProcess cli;
@@ -289,11 +291,13 @@ void FrameWindowTest::savedFramesMatchPlyraRender()
     QVERIFY(a.open(QIODevice::ReadOnly) && b.open(QIODevice::ReadOnly));
     QCOMPARE(a.readAll(), b.readAll());
 
-    // The PNG holds the rendered pixels exactly.
-    QImage saved(png);
-    QCOMPARE(saved.size(), QSize(120, 80));
+    // PNG and TIFF hold the rendered pixels exactly.
     const QImage rendered = window.imageView()->image().convertToFormat(QImage::Format_RGBA8888);
-    QCOMPARE(saved.convertToFormat(QImage::Format_RGBA8888), rendered);
+    for (const QString& lossless : {png, tiff}) {
+        QImage saved(lossless);
+        QCOMPARE(saved.size(), QSize(120, 80));
+        QCOMPARE(saved.convertToFormat(QImage::Format_RGBA8888), rendered);
+    }
     window.close();
 }
 

@@ -3,13 +3,10 @@
 
 #include "render/frame_output.h"
 #include "render/frame_render_controller.h"
-#include "render/output_path_check.h"
 #include "render/windows/frame_view.h"
 #include "render/windows/render_settings_sheet.h"
 #include "render/windows/render_toolbar.h"
 
-#include <QBuffer>
-#include <QImageWriter>
 #include <QSignalBlocker>
 #include <QSlider>
 #include <QWidgetAction>
@@ -17,33 +14,6 @@
 #include <cmath>
 
 namespace plyra {
-namespace {
-
-bool saveFrameAsPng(const MorphDocument& document, const Bitmap& bitmap, const QString& path, QString* error)
-{
-    QString target;
-    if (!checkOutputPath(document, path, &target, error))
-        return false;
-    if (bitmap.isEmpty()) {
-        if (error)
-            *error = FrameWindow::tr("No frame has been rendered yet.");
-        return false;
-    }
-    // Encoded in memory first, then written whole or not at all.
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    QImageWriter writer(&buffer, "png");
-    if (!writer.write(imageFromBitmap(bitmap))) {
-        if (error)
-            *error = writer.errorString();
-        return false;
-    }
-    return writeOutputFile(target, bytes, error);
-}
-
-} // namespace
-
 FrameWindow::FrameWindow(MorphDocument& document, QWidget* parent)
     : RenderWindow(document, std::make_unique<FrameRenderController>(document), parent)
 {
@@ -126,16 +96,13 @@ RenderSettingsSheet* FrameWindow::createSettingsSheet()
 
 SaveFileTypes FrameWindow::saveFileTypes() const
 {
-    return {QStringLiteral("jpg"), {QStringLiteral("png"), QStringLiteral("jpeg")},
-        {tr("JPEG image (*.jpg *.jpeg)"), tr("PNG image, lossless (*.png)")}};
+    return {QStringLiteral("jpg"), {QStringLiteral("png"), QStringLiteral("tif"), QStringLiteral("jpeg"), QStringLiteral("tiff")},
+        {tr("JPEG image (*.jpg *.jpeg)"), tr("PNG image, lossless (*.png)"), tr("TIFF image, lossless (*.tif *.tiff)")}};
 }
 
 bool FrameWindow::saveRenderedFramesToPath(const QString& path, QString* error)
 {
-    if (path.endsWith(QStringLiteral(".png"), Qt::CaseInsensitive)) {
-        static const Bitmap none;
-        return saveFrameAsPng(document(), renderer().bitmap() ? *renderer().bitmap() : none, path, error);
-    }
+    // JPEG, PNG or TIFF by the name's extension, as plyra-render writes them.
     return renderer().saveRenderedFrame(path, error);
 }
 

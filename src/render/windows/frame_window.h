@@ -12,7 +12,7 @@ class FrameView;
 
 /// The single-frame window: one frame of the morph at the time chosen with the "Morph
 /// position" slider of its toolbar, shown scaled to the window, saved as a JPEG at
-/// quality 95, or as a lossless PNG when the chosen name ends in ".png".
+/// quality 95, or as a lossless PNG or TIFF when the chosen name ends so.
 /// Threads: main thread.
 class FrameWindow : public RenderWindow {
     Q_OBJECT

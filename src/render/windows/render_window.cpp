@@ -2,6 +2,7 @@
 #include "render/windows/render_window.h"
 
 #include "model/morph_document.h"
+#include "render/output_path_check.h"
 #include "render/render_controller.h"
 #include "render/windows/progress_pie.h"
 #include "render/windows/render_scheduler.h"
@@ -233,8 +234,10 @@ void RenderWindow::save()
 
 bool RenderWindow::saveToPath(const QString& path)
 {
+    // Nothing is written over a device, into the document's package or onto its images.
+    QString target;
     QString reason;
-    if (saveRenderedFramesToPath(path, &reason))
+    if (checkOutputPath(m_document, path, &target, &reason) && saveRenderedFramesToPath(path, &reason))
         return true;
     RenderSaveDialog::showSaveFailedAlert(this, path, reason);
     return false;

@@ -59,6 +59,45 @@ double median(std::vector<double> values)
     return values[values.size() / 2];
 }
 
+/// Times every event the main thread handles and keeps the longest, to tell what a stall was.
+class TimingApplication : public QApplication {
+public:
+    using QApplication::QApplication;
+
+    bool notify(QObject* receiver, QEvent* event) override
+    {
+        if (m_depth++ > 0) {
+            const bool handled = QApplication::notify(receiver, event);
+            --m_depth;
+            return handled;
+        }
+        QElapsedTimer clock;
+        clock.start();
+        const bool handled = QApplication::notify(receiver, event);
+        --m_depth;
+        const double ms = static_cast<double>(clock.nsecsElapsed()) / 1e6;
+        if (ms > m_longest) {
+            m_longest = ms;
+            m_longestWhat = QStringLiteral("event %1 to %2").arg(static_cast<int>(event->type())).arg(
+                QString::fromLatin1(receiver->metaObject()->className()));
+        }
+        return handled;
+    }
+
+    void resetLongest()
+    {
+        m_longest = 0;
+        m_longestWhat.clear();
+    }
+    double longest() const { return m_longest; }
+    const QString& longestWhat() const { return m_longestWhat; }
+
+private:
+    int m_depth = 0;
+    double m_longest = 0;
+    QString m_longestWhat;
+};
+
 /// How late a 5 ms timer fires: the longest time the main thread did not get back to its loop.
 class StallProbe {
 public:
@@ -156,11 +195,15 @@ double windowMovie(MorphDocument& document, const QString& out, double* longestS
     QElapsedTimer clock;
     bool complete = false;
     QObject::connect(&window.scheduler(), &RenderScheduler::renderFinished, [&] { complete = true; });
+    auto* app = static_cast<TimingApplication*>(QCoreApplication::instance());
+    app->resetLongest();
     probe.start();
     clock.start();
     window.show();
     waitUntil([&] { return complete; });
     *longestStall = probe.stop();
+    std::printf("  (run: longest event %.1f ms, %s; timer late by at most %.1f ms)\n", app->longest(),
+        qPrintable(app->longestWhat()), *longestStall);
     if (!window.saveToPath(out))
         std::fprintf(stderr, "the window could not save the movie\n");
     const double seconds = static_cast<double>(clock.nsecsElapsed()) / 1e9;
@@ -210,7 +253,7 @@ int main(int argc, char* argv[])
 {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
+    TimingApplication app(argc, argv);
     bindRunLoopToQtEventLoop();
     QTemporaryDir dir;
     UserDefaults::standard().useFile(dir.filePath(QStringLiteral("defaults.ini")));

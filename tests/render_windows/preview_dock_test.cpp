@@ -60,6 +60,7 @@ private slots:
     void mapsLinePointsOntoCells();
     void drawsTheLinesAtEachCellsTime();
     void closedStripComputesNothing();
+    void aStripAtTheSideStandsUpright();
 };
 
 void PreviewDockTest::cellTimesAndBlankStart()
@@ -237,6 +238,26 @@ void PreviewDockTest::closedStripComputesNothing()
     QVERIFY(test::waitFor([&] { return !strip.dock->scheduler().isPolling(); }));
     QCOMPARE(strip.dock->renderer().filledCellCount(), 5);
     QCOMPARE(started.count(), 1);
+}
+
+void PreviewDockTest::aStripAtTheSideStandsUpright()
+{
+    test::WindowTestDocument doc({80, 40}, {80, 40});
+    StripWindow strip(*doc.document);
+    strip.window.resize(700, 700);
+    strip.window.show();
+    strip.window.addDockWidget(Qt::RightDockWidgetArea, strip.dock);
+    QVERIFY(test::waitFor([&] { return strip.dock->strip()->isVertical(); }));
+    strip.dock->strip()->resize(200, 600);
+    const std::vector<QRect> cells = strip.dock->strip()->cellRects();
+    QCOMPARE(cells.size(), 5u);
+    for (std::size_t i = 1; i < cells.size(); ++i) {
+        QCOMPARE(cells[i].x(), cells[0].x());
+        QCOMPARE(cells[i].top(), cells[i - 1].bottom() + 1 + PreviewStripView::kSpacing);
+    }
+    // The cells keep the first image's proportions, 2 : 1, and stay inside the strip.
+    QVERIFY(std::abs(cells[0].width() - 2 * cells[0].height()) <= 2);
+    QVERIFY(strip.dock->strip()->rect().contains(cells.front().united(cells.back())));
 }
 
 QTEST_MAIN(PreviewDockTest)

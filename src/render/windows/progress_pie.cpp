@@ -16,6 +16,7 @@ ProgressPie::ProgressPie(QWidget* parent)
     setValue(0);
     setTextVisible(false);
     setFixedSize(kSide, kSide);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setAccessibleName(tr("Progress"));
     setToolTip(tr("Progress; click to render again"));
 }

@@ -38,7 +38,9 @@ QAction* RenderToolbar::addWidgetItem(const QString& identifier, const QString& 
     auto* layout = new QVBoxLayout(item);
     layout->setContentsMargins(4, 0, 4, 0);
     layout->setSpacing(2);
-    layout->addWidget(widget, 0, Qt::AlignHCenter);
+    // A widget that may grow (a slider) takes the item's width; others sit in its middle.
+    const bool grows = widget->sizePolicy().horizontalPolicy() & QSizePolicy::ExpandFlag;
+    layout->addWidget(widget, 0, grows ? Qt::Alignment() : Qt::AlignHCenter);
     auto* caption = new QLabel(label, item);
     caption->setAlignment(Qt::AlignHCenter);
     caption->setBuddy(widget);

@@ -191,17 +191,22 @@
         <translation>Der Film kann nicht berechnet werden: %1</translation>
     </message>
     <message>
-        <location filename="../../src/render/windows/movie_window.cpp" line="116"/>
+        <location filename="../../src/render/windows/movie_window.cpp" line="106"/>
+        <source>The movie could not be completed: %1</source>
+        <translation>Der Film konnte nicht fertiggestellt werden: %1</translation>
+    </message>
+    <message>
+        <location filename="../../src/render/windows/movie_window.cpp" line="120"/>
         <source>%1 rendering movie (%2%)</source>
         <translation>%1 Film wird berechnet (%2 %)</translation>
     </message>
     <message>
-        <location filename="../../src/render/windows/movie_window.cpp" line="117"/>
+        <location filename="../../src/render/windows/movie_window.cpp" line="121"/>
         <source>%1 rendered movie</source>
         <translation>%1 berechneter Film</translation>
     </message>
     <message>
-        <location filename="../../src/render/windows/movie_window.cpp" line="151"/>
+        <location filename="../../src/render/windows/movie_window.cpp" line="155"/>
         <source>QuickTime movie (*.mov)</source>
         <translation>QuickTime-Film (*.mov)</translation>
     </message>
@@ -235,12 +240,12 @@
 <context>
     <name>plyra::ProgressPie</name>
     <message>
-        <location filename="../../src/render/windows/progress_pie.cpp" line="19"/>
+        <location filename="../../src/render/windows/progress_pie.cpp" line="20"/>
         <source>Progress</source>
         <translation>Fortschritt</translation>
     </message>
     <message>
-        <location filename="../../src/render/windows/progress_pie.cpp" line="20"/>
+        <location filename="../../src/render/windows/progress_pie.cpp" line="21"/>
         <source>Progress; click to render again</source>
         <translation>Fortschritt; klicken, um neu zu berechnen</translation>
     </message>

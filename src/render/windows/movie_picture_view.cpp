@@ -69,6 +69,13 @@ void MoviePictureView::paintEvent(QPaintEvent*)
             ? m_image
             : m_image.scaled(target.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     painter.drawImage(target.topLeft(), m_scaled);
+    if (m_message.isEmpty())
+        return;
+    // Over a picture the message takes a band at the bottom.
+    const QRect band(0, height() - 3 * fontMetrics().height(), width(), 3 * fontMetrics().height());
+    painter.fillRect(band, QColor(0, 0, 0, 180));
+    painter.setPen(Qt::white);
+    painter.drawText(band.adjusted(8, 0, -8, 0), Qt::AlignCenter | Qt::TextWordWrap, m_message);
 }
 
 } // namespace plyra

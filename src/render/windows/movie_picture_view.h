@@ -17,7 +17,8 @@ public:
 
     void setImage(const QImage& image);
     const QImage& image() const { return m_image; }
-    /// A text shown instead of a picture (why there is no movie); empty for none.
+    /// A text shown instead of a picture, or over its bottom (why there is no movie or
+    /// why it stopped); empty for none.
     void setMessage(const QString& message);
     const QString& message() const { return m_message; }
     void setPreservesAspectRatio(bool preserve);

@@ -100,6 +100,10 @@ void MovieWindow::showPolledResults()
     if (renderer().morphJobs().empty() && !m_complete) {
         m_complete = true;
         refreshTitle();
+        // A render that stopped at a failed write (a full disk) says so over what it made.
+        const QString reason = renderer().errorString();
+        if (!reason.isEmpty())
+            m_player->pictureView()->setMessage(tr("The movie could not be completed: %1").arg(reason));
         m_player->gotoBeginning();
         m_player->play();
     }

@@ -20,12 +20,11 @@
 
 using namespace plyra;
 
-int main(int argc, char** argv)
+namespace {
+
+// Reads the document and images named on the command line; returns the zoom asked for.
+double readArguments(const QStringList& args, MorphDocument& document)
 {
-    QApplication app(argc, argv);
-    bindRunLoopToQtEventLoop();
-    MorphDocument document;
-    QStringList args = app.arguments().mid(1);
     double zoom = 0.0;
     QString error;
     for (int i = 0; i < args.size(); ++i) {
@@ -40,42 +39,60 @@ int main(int argc, char** argv)
             std::fprintf(stderr, "%s\n", qPrintable(error));
     }
     document.undoManager().removeAllActions();
+    return zoom;
+}
 
+MorphEditor* addEditor(QMainWindow& window, QHBoxLayout* layout, MorphDocument& document, unsigned track)
+{
+    auto* area = new QScrollArea;
+    area->setAlignment(Qt::AlignCenter);
+    auto* editor = new MorphEditor;
+    editor->setAccessibleName(track == 0 ? QStringLiteral("First image") : QStringLiteral("Last image"));
+    editor->setTrack(track);
+    editor->setDataSource(&document);
+    area->setWidget(editor);
+    layout->addWidget(area);
+    QObject::connect(editor, &MorphEditor::statusMessageRequested, window.statusBar(),
+        [&window](const QString& text) { window.statusBar()->showMessage(text, 5000); });
+    return editor;
+}
+
+void addMenu(QMainWindow& window, MorphDocument& document, MorphEditor* const* editors)
+{
+    QMenu* edit = window.menuBar()->addMenu(QStringLiteral("Edit"));
+    // Commands end a gesture in progress first, as the document window does.
+    auto finish = [editors] {
+        for (int i = 0; i < 2; ++i)
+            editors[i]->finishGesture();
+    };
+    edit->addAction(QStringLiteral("Undo"), QKeySequence::Undo, [=, &document] { finish(); document.undoManager().undo(); });
+    edit->addAction(QStringLiteral("Redo"), QKeySequence::Redo, [=, &document] { finish(); document.undoManager().redo(); });
+    edit->addAction(QStringLiteral("Select All"), QKeySequence::SelectAll, [=] { finish(); editors[0]->selectAll(); });
+    edit->addAction(QStringLiteral("Select Attached"), QKeySequence(Qt::CTRL | Qt::Key_T), [=] { finish(); editors[0]->selectAttachedLines(); });
+    edit->addAction(QStringLiteral("Zoom In"), QKeySequence::ZoomIn, [=] {
+        for (int i = 0; i < 2; ++i)
+            editors[i]->resize(editors[i]->size() * 2);
+    });
+    edit->addAction(QStringLiteral("Fit"), QKeySequence(Qt::CTRL | Qt::Key_0), [=] {
+        for (int i = 0; i < 2; ++i)
+            editors[i]->sizeToFit();
+    });
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QApplication app(argc, argv);
+    bindRunLoopToQtEventLoop();
+    MorphDocument document;
+    const double zoom = readArguments(app.arguments().mid(1), document);
     QMainWindow window;
     auto* central = new QWidget;
     auto* layout = new QHBoxLayout(central);
-    MorphEditor* editors[2];
-    for (unsigned track : {0u, 1u}) {
-        auto* area = new QScrollArea;
-        area->setAlignment(Qt::AlignCenter);
-        auto* editor = new MorphEditor;
-        editor->setAccessibleName(track == 0 ? QStringLiteral("First image") : QStringLiteral("Last image"));
-        editor->setTrack(track);
-        editor->setDataSource(&document);
-        area->setWidget(editor);
-        layout->addWidget(area);
-        QObject::connect(editor, &MorphEditor::statusMessageRequested, window.statusBar(),
-            [&window](const QString& text) { window.statusBar()->showMessage(text, 5000); });
-        editors[track] = editor;
-    }
+    MorphEditor* editors[2] = {addEditor(window, layout, document, 0), addEditor(window, layout, document, 1)};
     window.setCentralWidget(central);
-    QMenu* edit = window.menuBar()->addMenu(QStringLiteral("Edit"));
-    auto finish = [&editors] {
-        for (MorphEditor* editor : editors)
-            editor->finishGesture();
-    };
-    edit->addAction(QStringLiteral("Undo"), QKeySequence::Undo, [&] { finish(); document.undoManager().undo(); });
-    edit->addAction(QStringLiteral("Redo"), QKeySequence::Redo, [&] { finish(); document.undoManager().redo(); });
-    edit->addAction(QStringLiteral("Select All"), QKeySequence::SelectAll, [&] { finish(); editors[0]->selectAll(); });
-    edit->addAction(QStringLiteral("Select Attached"), QKeySequence(Qt::CTRL | Qt::Key_T), [&] { finish(); editors[0]->selectAttachedLines(); });
-    edit->addAction(QStringLiteral("Zoom In"), QKeySequence::ZoomIn, [&] {
-        for (MorphEditor* editor : editors)
-            editor->resize(editor->size() * 2);
-    });
-    edit->addAction(QStringLiteral("Fit"), QKeySequence(Qt::CTRL | Qt::Key_0), [&] {
-        for (MorphEditor* editor : editors)
-            editor->sizeToFit();
-    });
+    addMenu(window, document, editors);
     window.resize(1300, 760);
     window.show();
     QTimer::singleShot(0, [&] {
@@ -85,5 +102,8 @@ int main(int argc, char** argv)
                 editor->resize(editor->size() * zoom);
         }
     });
-    return app.exec();
+    const int status = app.exec();
+    for (MorphEditor* editor : editors)
+        editor->setDataSource(nullptr);
+    return status;
 }

@@ -30,6 +30,7 @@ bool EditorCommands::isArrowKey(int key)
 
 bool EditorCommands::isDeleteKey(int key)
 {
+    // Backspace and Delete; no letter or keypad digit deletes lines on this keyboard.
     return key == Qt::Key_Backspace || key == Qt::Key_Delete;
 }
 

@@ -102,8 +102,9 @@ void EditorPainter::paintLines(QPainter& painter, const QRegion& dirty, const Ed
         const LineEnds ends = scene.mapping.lineEnds(*line, scene.track);
         const bool isSelected = selected.count(line.get()) > 0;
         const QRectF box = scene.mapping.toWidget(boxOf(ends.start, ends.end));
+        // An empty reach: a point that is not a number, which cannot be drawn anywhere.
         const QRect reach = grownWidgetRect(box, isSelected ? kSelectedLineMargin : kLineMargin);
-        if (!reach.intersects(dirtyBounds) || !dirty.intersects(reach))
+        if (reach.isEmpty() || !reach.intersects(dirtyBounds) || !dirty.intersects(reach))
             continue;
         strokeSegment(painter, scene.mapping.toWidget(ends.start), scene.mapping.toWidget(ends.end), outline, linePen);
         // Right after the line, so that a later line is drawn over these knobs.

@@ -20,6 +20,7 @@ namespace plyra {
 class ScaledImageCache;
 
 /// Everything one drawing of an editor shows.
+/// Threads: main thread only (it points into the document).
 struct EditorScene {
     ViewMapping mapping;
     unsigned track = 0;

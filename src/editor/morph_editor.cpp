@@ -290,6 +290,9 @@ void MorphEditor::startGesture(const GestureEvent& press)
         return;
     // One gesture is one undo step, however many passes of the event loop it spans.
     m_context.dataSource->undoManager().beginUndoGrouping();
+    // Pointer moves without a button reach the editor only while it tracks the mouse; a
+    // chain of lines needs them for its rubber band. The setting is put back whenever
+    // the gesture ends, since nothing else of the editor uses those moves.
     m_savedMouseTracking = hasMouseTracking();
     if (m_gesture->tracksPointerWithoutButton())
         setMouseTracking(true);

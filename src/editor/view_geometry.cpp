@@ -79,7 +79,15 @@ ViewRect unionRect(ViewRect a, ViewRect b)
 
 QRect grownWidgetRect(const QRectF& rect, double margin)
 {
-    const QRectF grown = rect.adjusted(-margin, -margin, margin, margin);
+    // Points are not limited to the view; a point far outside it (or not a number, from
+    // a damaged file) must not overflow the integer rectangle.
+    constexpr double kFar = 1.0e7;
+    if (!std::isfinite(rect.left()) || !std::isfinite(rect.top()) || !std::isfinite(rect.right())
+        || !std::isfinite(rect.bottom()))
+        return {};
+    const QRectF grown = rect.adjusted(-margin, -margin, margin, margin) & QRectF(-kFar, -kFar, 2 * kFar, 2 * kFar);
+    if (grown.isEmpty())
+        return {};
     const int left = static_cast<int>(std::floor(grown.left()));
     const int top = static_cast<int>(std::floor(grown.top()));
     const int right = static_cast<int>(std::ceil(grown.right()));

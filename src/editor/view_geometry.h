@@ -15,6 +15,7 @@
 namespace plyra {
 
 /// A rectangle in view units: corner (x, y) at the bottom left, y upward.
+/// Threads: a value; any thread.
 struct ViewRect {
     float x = 0.0f;
     float y = 0.0f;
@@ -27,6 +28,7 @@ struct ViewRect {
 };
 
 /// A line's two points at the editor's track time, in view units.
+/// Threads: a value; any thread.
 struct LineEnds {
     Point start;
     Point end;
@@ -82,6 +84,8 @@ ViewRect unionRect(ViewRect a, ViewRect b);
 /// Grows a rectangle by margin on every side and rounds it outward to whole units.
 QRect grownWidgetRect(const QRectF& rect, double margin);
 
+/// A line of a list by its index, with its squared distance from a point.
+/// Threads: a value; any thread.
 struct NearestLine {
     std::size_t index = 0;
     float squaredDistance = 0.0f;

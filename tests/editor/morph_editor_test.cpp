@@ -12,6 +12,8 @@
 #include <QStyle>
 #include <QUrl>
 
+#include <cmath>
+
 using namespace plyra;
 using namespace plyra::test;
 
@@ -31,6 +33,7 @@ private slots:
     void centring();
     void drops_data();
     void drops();
+    void damagedImageDropChangesNothing();
     void imageAndFaintOtherImage();
     void knobsOfSelectedLinesOnly();
     void followsChangesMadeElsewhere();
@@ -39,6 +42,8 @@ private slots:
 
 private:
     static QMimeData* mimeData(const QString& url, const QString& text);
+    /// red.png, blue.png and notes.txt; returns their directory.
+    static QString writeDropFiles(const EditorFixture& f);
     static bool sendDrop(MorphEditor* editor, QMimeData* data, bool* entered);
 };
 
@@ -118,6 +123,17 @@ void MorphEditorTest::centring()
     editor->setDataSource(nullptr);
 }
 
+QString MorphEditorTest::writeDropFiles(const EditorFixture& f)
+{
+    const QString red = f.writeImage(QStringLiteral("red.png"), {40, 20}, Qt::red);
+    const QString dir = QFileInfo(red).absolutePath();
+    f.writeImage(QStringLiteral("blue.png"), {30, 30}, Qt::blue);
+    QFile notes(dir + QStringLiteral("/notes.txt"));
+    if (notes.open(QIODevice::WriteOnly))
+        notes.write("not a picture");
+    return dir;
+}
+
 QMimeData* MorphEditorTest::mimeData(const QString& url, const QString& text)
 {
     auto* data = new QMimeData;
@@ -161,13 +177,7 @@ void MorphEditorTest::drops()
     QFETCH(QString, text);
     QFETCH(QString, taken);
     EditorFixture f;
-    const QString red = f.writeImage(QStringLiteral("red.png"), {40, 20}, Qt::red);
-    const QString dir = QFileInfo(red).absolutePath();
-    f.writeImage(QStringLiteral("blue.png"), {30, 30}, Qt::blue);
-    QFile notes(dir + QStringLiteral("/notes.txt"));
-    QVERIFY(notes.open(QIODevice::WriteOnly));
-    notes.write("not a picture");
-    notes.close();
+    const QString dir = writeDropFiles(f);
     // Names in the table are relative to the directory of the files.
     auto local = [&dir](const QString& value) {
         QString result;
@@ -200,6 +210,27 @@ void MorphEditorTest::drops()
     QCOMPARE(f.editor->grab().toImage().pixelColor(f.widgetPoint({10, 10})), QColor(Qt::red));
     f.document.undoManager().undo();
     QVERIFY(!f.document.imageInTrack(0));
+}
+
+void MorphEditorTest::damagedImageDropChangesNothing()
+{
+    // It starts like a PNG, so the drag is taken; reading it then fails.
+    EditorFixture f;
+    const QString dir = writeDropFiles(f);
+    QFile broken(dir + QStringLiteral("/broken.png"));
+    QVERIFY(broken.open(QIODevice::WriteOnly));
+    broken.write(QByteArray::fromHex("89504e470d0a1a0a0000000d49484452") + QByteArray(40, 'x'));
+    broken.close();
+    QSignalSpy messages(f.editor, &MorphEditor::statusMessageRequested);
+    bool entered = false;
+    std::unique_ptr<QMimeData> data(mimeData(QUrl::fromLocalFile(broken.fileName()).toString(), QString()));
+    QVERIFY(!sendDrop(f.editor, data.get(), &entered));
+    QVERIFY(entered);
+    f.endPass();
+    QVERIFY(!f.document.imageInTrack(0));
+    QCOMPARE(f.document.undoManager().undoStepCount(), 0);
+    QCOMPARE(messages.size(), 1);
+    QVERIFY(messages.at(0).at(0).toString().contains(QStringLiteral("broken.png")));
 }
 
 void MorphEditorTest::imageAndFaintOtherImage()
@@ -264,6 +295,15 @@ void MorphEditorTest::followsChangesMadeElsewhere()
     QVERIFY(f.editor->grab().toImage().pixelColor(f.widgetPoint({150, 50})) != QColor(Qt::white));
     QVERIFY(f.lastEditor->grab().toImage().pixelColor(old) != QColor(Qt::white));
     f.document.undoManager().undo();
+    f.endPass();
+    QVERIFY(f.editor->grab().toImage().pixelColor(old) != QColor(Qt::white));
+
+    // Points far outside the image, or not numbers (a damaged file), draw nothing odd.
+    const MorphLine::Ptr broken = f.addLine({0, 0}, {0, 0});
+    broken->setStartPoint({std::nanf(""), 0.5f}, 0, nullptr);
+    const MorphLine::Ptr far = f.addLine({0, 0}, {0, 0});
+    far->setEndPoint({1.0e20f, -1.0e20f}, 0, nullptr);
+    f.select({broken, far, line});
     f.endPass();
     QVERIFY(f.editor->grab().toImage().pixelColor(old) != QColor(Qt::white));
 }

@@ -131,6 +131,11 @@ void ViewGeometryTest::mappingRoundTrip()
     QVERIFY(mapping.contains({0, 0}));
     QVERIFY(!mapping.contains({400, 10}));
     QVERIFY(!mapping.contains({10, 300}));
+    // Rectangles around points far away, or not numbers, stay sane.
+    QCOMPARE(grownWidgetRect(QRectF(10.2, 20.7, 5, 0), 4.0), QRect(QPoint(6, 16), QPoint(19, 24)));
+    QVERIFY(grownWidgetRect(QRectF(std::nan(""), 0, 5, 5), 4.0).isEmpty());
+    QVERIFY(grownWidgetRect(QRectF(1e30, 0, 5, 5), 4.0).isEmpty());
+    QVERIFY(grownWidgetRect(QRectF(-1e30, -5, 2e30, 10), 4.0).width() > 1000000);
 }
 
 void ViewGeometryTest::displaySize_data()

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace plyra {
+
+class MorphEditorWindowController;
+
+/// What a document window's menus ask of the application: the document commands that
+/// concern more than one window, help, the update check and quitting.
+/// Threads: main thread only.
+class ApplicationCommands {
+public:
+    virtual ~ApplicationCommands() = default;
+
+    virtual void newDocument() = 0;
+    virtual void openDocument() = 0;
+    virtual void openRecentDocument(const QString& path) = 0;
+    virtual QStringList recentDocuments() const = 0;
+    virtual void clearRecentDocuments() = 0;
+    virtual bool saveDocument(MorphEditorWindowController* window) = 0;
+    virtual bool saveDocumentAs(MorphEditorWindowController* window) = 0;
+    virtual void revertDocument(MorphEditorWindowController* window) = 0;
+    /// Asks before unsaved changes are lost; false when the user cancelled.
+    virtual bool closeDocument(MorphEditorWindowController* window) = 0;
+    virtual void quit() = 0;
+
+    virtual void showHelp(const QString& page) = 0;
+    virtual void checkForUpdates() = 0;
+    virtual void showAbout() = 0;
+};
+
+} // namespace plyra

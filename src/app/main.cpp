@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#include "app/document_prompts.h"
+#include "app/plyra_application.h"
+#include "app/update_alerts.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QTimer>
+
+int main(int argc, char* argv[])
+{
+    QApplication application(argc, argv);
+    plyra::PlyraApplication::configure(application);
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QApplication::translate("main", "Morphs one still image into another."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addPositionalArgument(QStringLiteral("files"),
+        QApplication::translate("main", "Documents (*.plyra) to open, or a first and a last image for a new document."),
+        QStringLiteral("[DOCUMENT.plyra...|FIRST LAST]"));
+    parser.process(application);
+
+    plyra::PlyraApplication plyraApp(std::make_unique<plyra::DialogDocumentPrompts>(), std::make_unique<plyra::MessageBoxUpdateAlerts>());
+    QObject::connect(&plyraApp, &plyra::PlyraApplication::finished, &application, &QApplication::quit);
+    if (!plyraApp.openArguments(parser.positionalArguments()))
+        return 1;
+    QTimer::singleShot(0, &plyraApp, &plyra::PlyraApplication::applicationDidFinishLaunching);
+    return application.exec();
+}

@@ -1,0 +1,519 @@
+// SPDX-License-Identifier: MIT
+#include "app/morph_editor_window_controller.h"
+
+#include "app/application_commands.h"
+#include "app/document_toolbar.h"
+#include "app/editor_zoom.h"
+#include "app/line_color_well.h"
+#include "app/localization.h"
+#include "app/main_menu.h"
+#include "app/window_actions.h"
+#include "editor/morph_editor.h"
+#include "inspector/inspector_controller.h"
+#include "inspector/inspector_selection.h"
+#include "inspector/morph_line_inspector.h"
+#include "model/morph_document.h"
+#include "platform/qt/user_defaults.h"
+#include "render/windows/frame_window.h"
+#include "render/windows/movie_window.h"
+#include "render/windows/preview_dock.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QImage>
+#include <QPixmap>
+#include <QMenuBar>
+#include <QScrollArea>
+#include <QSplitter>
+#include <QStatusBar>
+#include <QTimer>
+#include <QToolBar>
+
+#include <algorithm>
+
+namespace plyra {
+namespace {
+
+constexpr int kStatusMessageMs = 8000;
+
+QScrollArea* scrollAreaFor(MorphEditor* editor, const QString& name, QWidget* parent)
+{
+    auto* area = new QScrollArea(parent);
+    area->setObjectName(name);
+    area->setWidget(editor);
+    area->setWidgetResizable(false);
+    area->setAlignment(Qt::AlignCenter);
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    area->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    area->setFrameShape(QFrame::StyledPanel);
+    return area;
+}
+
+// A brushed-metal tile in the shade of the window colour: fine horizontal streaks of
+// slightly lighter and darker rows, the same in every window.
+QPixmap brushedTexture(const QColor& base)
+{
+    constexpr int kSide = 128;
+    QImage tile(kSide, kSide, QImage::Format_RGB32);
+    quint32 seed = 0x2545F491u;
+    for (int y = 0; y < kSide; ++y) {
+        int streak = 0;
+        for (int x = 0; x < kSide; ++x) {
+            seed ^= seed << 13;
+            seed ^= seed >> 17;
+            seed ^= seed << 5;
+            if (x % 16 == 0)
+                streak = int(seed % 3) - 1;
+            const int grain = int((seed >> 8) % 3) - 1;
+            tile.setPixelColor(x, y, base.lighter(100 + streak + grain));
+        }
+    }
+    return QPixmap::fromImage(tile);
+}
+
+// The menus of every window are localised once they exist; a window's own texts are
+// already translated when they are made.
+bool s_menusLocalized = false;
+
+} // namespace
+
+void MorphEditorWindowController::registerDefaults()
+{
+    UserDefaults::standard().registerDefaults({{QString::fromLatin1(kTexturedWindowsKey), true}});
+}
+
+MorphEditorWindowController::MorphEditorWindowController(std::unique_ptr<MorphDocument> document,
+    const QString& filePath, const QString& untitledName, ApplicationCommands& commands)
+    : m_document(std::move(document))
+    , m_filePath(filePath)
+    , m_untitledName(untitledName)
+    , m_commands(commands)
+{
+    setObjectName(QStringLiteral("documentWindow"));
+    setAttribute(Qt::WA_DeleteOnClose, false);
+    m_edited.markSaved(*m_document);
+    applyBackground();
+    buildEditors();
+    buildActions();
+    buildToolbar();
+    buildMainMenu(menuBar(), *m_actions, m_commands);
+    buildPreviewDrawer();
+    registerInspector();
+    if (m_textured)
+        keepBarsSolid();
+    statusBar()->setSizeGripEnabled(true);
+    localizeWindow(this);
+    if (!s_menusLocalized) {
+        s_menusLocalized = true;
+        for (QAction* menu : menuBar()->actions())
+            localizeMenu(menu->menu());
+    }
+    observeDocument();
+    updateTitle();
+    refreshState();
+    resize(1180, 720);
+}
+
+MorphEditorWindowController::~MorphEditorWindowController()
+{
+    NotificationCenter::defaultCenter().removeObserversOwnedBy(this);
+    m_document->undoManager().setChangeCallback(nullptr);
+    // Everything that refers to the document goes before it does.
+    closeDocumentWindows();
+    delete m_previewDock;
+    m_previewDock = nullptr;
+    delete m_editorSplitView;
+    m_editorSplitView = nullptr;
+}
+
+void MorphEditorWindowController::applyBackground()
+{
+    m_textured = UserDefaults::standard().boolean(QString::fromLatin1(kTexturedWindowsKey));
+    if (!m_textured)
+        return;
+    QPalette textured = palette();
+    textured.setBrush(QPalette::Window, QBrush(brushedTexture(textured.color(QPalette::Window))));
+    setPalette(textured);
+    setAutoFillBackground(true);
+}
+
+void MorphEditorWindowController::keepBarsSolid()
+{
+    // Bars draw their own shading from the window colour, which a texture does not have.
+    QPalette solid = QApplication::palette(this);
+    solid.setColor(QPalette::Window, solid.color(QPalette::Window)); // set, not inherited
+    menuBar()->setPalette(solid);
+    m_toolbar->toolBar()->setPalette(solid);
+}
+
+void MorphEditorWindowController::buildEditors()
+{
+    m_firstEditor = new MorphEditor;
+    m_lastEditor = new MorphEditor;
+    m_firstEditor->setObjectName(QStringLiteral("firstEditor"));
+    m_lastEditor->setObjectName(QStringLiteral("lastEditor"));
+    m_firstEditor->setAccessibleName(tr("First image"));
+    m_lastEditor->setAccessibleName(tr("Last image"));
+    m_firstEditor->setTrack(0);
+    m_lastEditor->setTrack(1);
+    m_firstEditor->setDataSource(m_document.get());
+    m_lastEditor->setDataSource(m_document.get());
+
+    m_editorSplitView = new QSplitter(Qt::Horizontal, this);
+    m_editorSplitView->setObjectName(QStringLiteral("editorSplitView"));
+    m_editorSplitView->setChildrenCollapsible(false);
+    m_firstScrollArea = scrollAreaFor(m_firstEditor, QStringLiteral("firstScrollArea"), m_editorSplitView);
+    m_lastScrollArea = scrollAreaFor(m_lastEditor, QStringLiteral("lastScrollArea"), m_editorSplitView);
+    m_editorSplitView->addWidget(m_firstScrollArea);
+    m_editorSplitView->addWidget(m_lastScrollArea);
+    setCentralWidget(m_editorSplitView);
+
+    for (MorphEditor* editor : {m_firstEditor, m_lastEditor})
+        connect(editor, &MorphEditor::statusMessageRequested, this,
+            [this](const QString& message) { statusBar()->showMessage(message, kStatusMessageMs); });
+
+    m_zoom = std::make_unique<EditorZoom>(
+        std::array<EditorZoom::Editor, 2>{EditorZoom::Editor{m_firstEditor, m_firstScrollArea}, EditorZoom::Editor{m_lastEditor, m_lastScrollArea}},
+        [this] { centerSelection(); },
+        [this] { m_editorSplitView->repaint(); });
+}
+
+void MorphEditorWindowController::buildActions()
+{
+    m_actions = new WindowActions(this);
+    WindowActions& a = *m_actions;
+    a.setHandler(Command::NewDocument, [this] { m_commands.newDocument(); });
+    a.setHandler(Command::Open, [this] { m_commands.openDocument(); });
+    a.setHandler(Command::Close, [this] { close(); });
+    a.setHandler(Command::Save, [this] { finishGestures(); m_commands.saveDocument(this); });
+    a.setHandler(Command::SaveAs, [this] { finishGestures(); m_commands.saveDocumentAs(this); });
+    a.setHandler(Command::Revert, [this] { m_commands.revertDocument(this); });
+    a.setHandler(Command::Quit, [this] { m_commands.quit(); });
+    a.setHandler(Command::Undo, [this] { undo(); });
+    a.setHandler(Command::Redo, [this] { redo(); });
+    a.setHandler(Command::Delete, [this] { finishGestures(); focusedEditor()->clear(); });
+    a.setHandler(Command::SelectAll, [this] { finishGestures(); focusedEditor()->selectAll(); });
+    a.setHandler(Command::SelectNone, [this] { finishGestures(); focusedEditor()->selectNone(); });
+    a.setHandler(Command::SelectAttached, [this] { finishGestures(); focusedEditor()->selectAttachedLines(); });
+    a.setHandler(Command::ZoomIn, [this] { zoomInEditors(); });
+    a.setHandler(Command::ZoomOut, [this] { zoomOutEditors(); });
+    a.setHandler(Command::CenterSelection, [this] { centerSelection(); });
+    a.setHandler(Command::CustomizeToolbar, [this] { m_toolbar->customize(); });
+    a.setHandler(Command::TogglePreview, [this] { togglePreviewDrawer(); });
+    a.setHandler(Command::ToggleInspector, [this] { toggleInspectorPanel(); });
+    a.setHandler(Command::RenderImage, [this] { showFrameWindow(); });
+    a.setHandler(Command::RenderMovie, [this] { showMovieWindow(); });
+    a.setHandler(Command::HelpContents, [this] { m_commands.showHelp(QStringLiteral("index")); });
+    a.setHandler(Command::HelpGettingStarted, [this] { m_commands.showHelp(QStringLiteral("getting-started")); });
+    a.setHandler(Command::HelpEditors, [this] { m_commands.showHelp(QStringLiteral("editors")); });
+    a.setHandler(Command::HelpTiming, [this] { m_commands.showHelp(QStringLiteral("timing")); });
+    a.setHandler(Command::HelpRendering, [this] { m_commands.showHelp(QStringLiteral("rendering")); });
+    a.setHandler(Command::CheckForUpdates, [this] { m_commands.checkForUpdates(); });
+    a.setHandler(Command::About, [this] { m_commands.showAbout(); });
+
+    const auto& lines = [this] { return m_document->morphLines(); };
+    const auto& selection = [this] { return m_document->selectedLines(); };
+    a.setEnabledRule(Command::Revert, [this] { return !m_filePath.isEmpty() && isDocumentEdited(); });
+    a.setEnabledRule(Command::Undo, [this] { return m_document->undoManager().canUndo(); });
+    a.setEnabledRule(Command::Redo, [this] { return m_document->undoManager().canRedo(); });
+    a.setEnabledRule(Command::Delete, [selection] { return !selection().empty(); });
+    a.setEnabledRule(Command::SelectAll, [lines, selection] { return lines().size() != selection().size(); });
+    a.setEnabledRule(Command::SelectNone, [selection] { return !selection().empty(); });
+    a.setEnabledRule(Command::SelectAttached, [this] { return canSelectAttached(); });
+    a.setEnabledRule(Command::ZoomIn, [this] { return hasAnyImage(); });
+    a.setEnabledRule(Command::ZoomOut, [this] { return hasAnyImage(); });
+    a.setEnabledRule(Command::CenterSelection, [this] { return hasAnyImage(); });
+    a.setEnabledRule(Command::RenderImage, [this] { return canRender(); });
+    a.setEnabledRule(Command::RenderMovie, [this] { return canRender(); });
+}
+
+void MorphEditorWindowController::buildToolbar()
+{
+    m_toolbar = new DocumentToolbar(this);
+    DocumentToolbar& t = *m_toolbar;
+    t.setHandler(QStringLiteral("togglePreviewDrawer"), [this] { togglePreviewDrawer(); });
+    t.setHandler(QStringLiteral("inspector"), [this] { showInspectorPanel(); });
+    t.setHandler(QStringLiteral("showMorphFrameWindow"), [this] { showFrameWindow(); });
+    t.setHandler(QStringLiteral("showMorphMovieWindow"), [this] { showMovieWindow(); });
+    t.setHandler(QStringLiteral("zoomIn"), [this] { zoomInEditors(); });
+    t.setHandler(QStringLiteral("zoomOut"), [this] { zoomOutEditors(); });
+    t.setHandler(QStringLiteral("center"), [this] { centerSelection(); });
+    t.setEnabledRule(QStringLiteral("showMorphFrameWindow"), [this] { return canRender(); });
+    t.setEnabledRule(QStringLiteral("showMorphMovieWindow"), [this] { return canRender(); });
+    for (const char* zoomOrCenter : {"zoomIn", "zoomOut", "center"})
+        t.setEnabledRule(QLatin1String(zoomOrCenter), [this] { return hasAnyImage(); });
+    connect(t.lineColorWell(), &LineColorWell::colorChosen, this, &MorphEditorWindowController::lineColorChosen);
+}
+
+void MorphEditorWindowController::observeDocument()
+{
+    NotificationCenter& center = NotificationCenter::defaultCenter();
+    for (const char* name : {kObjectsUpdatedNotification, kSelectionUpdatedNotification})
+        center.addObserver(name, [this](const Notification&) { refreshState(); }, this);
+    m_document->undoManager().setChangeCallback([this] { refreshState(); });
+}
+
+void MorphEditorWindowController::refreshState()
+{
+    m_actions->refresh();
+    m_toolbar->validate();
+    m_toolbar->lineColorWell()->setColor(m_document->lineColor()->toQColor());
+    updateUndoTitles();
+    setWindowModified(isDocumentEdited());
+}
+
+void MorphEditorWindowController::updateTitle()
+{
+    setWindowTitle(tr("%1[*] — Plyra").arg(displayName()));
+    setWindowFilePath(m_filePath);
+}
+
+void MorphEditorWindowController::updateUndoTitles()
+{
+    const UndoManager& undo = m_document->undoManager();
+    auto title = [](const char* plain, const char* withName, const std::string& name) {
+        if (name.empty())
+            return QCoreApplication::translate("WindowActions", plain);
+        const QString translated = QCoreApplication::translate("UndoAction", name.c_str());
+        return QCoreApplication::translate("WindowActions", withName).arg(translated);
+    };
+    m_actions->action(Command::Undo)->setText(title(QT_TRANSLATE_NOOP("WindowActions", "&Undo"),
+        QT_TRANSLATE_NOOP("WindowActions", "&Undo %1"), undo.canUndo() ? undo.undoActionName() : std::string()));
+    m_actions->action(Command::Redo)->setText(title(QT_TRANSLATE_NOOP("WindowActions", "&Redo"),
+        QT_TRANSLATE_NOOP("WindowActions", "&Redo %1"), undo.canRedo() ? undo.redoActionName() : std::string()));
+}
+
+void MorphEditorWindowController::setFilePath(const QString& path)
+{
+    m_filePath = path;
+    updateTitle();
+    renameRenderWindows();
+}
+
+QString MorphEditorWindowController::displayName() const
+{
+    if (m_filePath.isEmpty())
+        return m_untitledName;
+    return QFileInfo(m_filePath).completeBaseName();
+}
+
+bool MorphEditorWindowController::isDocumentEdited() const
+{
+    return m_edited.isEdited(*m_document);
+}
+
+void MorphEditorWindowController::markDocumentSaved()
+{
+    m_edited.markSaved(*m_document);
+    refreshState();
+}
+
+void MorphEditorWindowController::markDocumentEdited()
+{
+    m_edited.markEdited();
+    refreshState();
+}
+
+void MorphEditorWindowController::buildPreviewDrawer()
+{
+    m_previewDock = new PreviewDock(*m_document, this);
+    m_previewDock->setObjectName(QStringLiteral("previewDrawer"));
+    addDockWidget(Qt::BottomDockWidgetArea, m_previewDock);
+    QAction* toggle = m_actions->action(Command::TogglePreview);
+    connect(m_previewDock, &QDockWidget::visibilityChanged, toggle, [this, toggle] { toggle->setChecked(m_previewDock->isOpen()); });
+}
+
+void MorphEditorWindowController::registerInspector()
+{
+    InspectorController* inspector = InspectorController::sharedInspectorController();
+    inspector->registerInspector(MorphLineInspector::sharedInspector());
+    QAction* toggle = m_actions->action(Command::ToggleInspector);
+    toggle->setChecked(inspector->isPanelVisible());
+    connect(inspector, &InspectorController::panelVisibilityChanged, toggle, &QAction::setChecked);
+}
+
+void MorphEditorWindowController::togglePreviewDrawer()
+{
+    m_previewDock->toggle();
+}
+
+void MorphEditorWindowController::showInspectorPanel()
+{
+    InspectorController::sharedInspectorController()->showPanel();
+}
+
+void MorphEditorWindowController::toggleInspectorPanel()
+{
+    InspectorController::sharedInspectorController()->togglePanel();
+}
+
+void MorphEditorWindowController::showFrameWindow()
+{
+    finishGestures();
+    if (!m_frameWindow) {
+        m_frameWindow = new FrameWindow(*m_document, this);
+        m_frameWindow->setAttribute(Qt::WA_DeleteOnClose, false);
+        m_frameWindow->installEventFilter(this);
+        connect(m_frameWindow, &FrameWindow::timeChanged, this, &MorphEditorWindowController::postFrameTimeUpdated);
+        renameRenderWindows();
+    }
+    m_frameWindow->show();
+    m_frameWindow->raise();
+    m_frameWindow->activateWindow();
+}
+
+void MorphEditorWindowController::showMovieWindow()
+{
+    finishGestures();
+    if (!m_movieWindow) {
+        m_movieWindow = new MovieWindow(*m_document, this);
+        m_movieWindow->setAttribute(Qt::WA_DeleteOnClose, false);
+        renameRenderWindows();
+    }
+    m_movieWindow->show();
+    m_movieWindow->raise();
+    m_movieWindow->activateWindow();
+}
+
+void MorphEditorWindowController::renameRenderWindows()
+{
+    for (RenderWindow* window : std::initializer_list<RenderWindow*>{m_frameWindow, m_movieWindow}) {
+        if (!window)
+            continue;
+        window->setDocumentDisplayName(displayName());
+        window->setDocumentFilePath(m_filePath);
+    }
+}
+
+void MorphEditorWindowController::closeDocumentWindows()
+{
+    delete m_frameWindow.data();
+    delete m_movieWindow.data();
+    postFrameTimeUpdated();
+}
+
+void MorphEditorWindowController::postFrameTimeUpdated()
+{
+    NotificationQueue::defaultQueue().enqueueAsSoonAsPossible({kFrameTimeUpdatedNotification, this});
+}
+
+bool MorphEditorWindowController::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == m_frameWindow && (event->type() == QEvent::Show || event->type() == QEvent::Hide))
+        postFrameTimeUpdated();
+    return QMainWindow::eventFilter(watched, event);
+}
+
+QVariantList MorphEditorWindowController::currentSelection() const
+{
+    return selectionOfLines(m_document->selectedLines());
+}
+
+UndoManager* MorphEditorWindowController::documentUndoManager()
+{
+    return &m_document->undoManager();
+}
+
+bool MorphEditorWindowController::documentHasBothImages() const
+{
+    return m_document->imageInTrack(0).has_value() && m_document->imageInTrack(1).has_value();
+}
+
+std::optional<float> MorphEditorWindowController::frameWindowTime() const
+{
+    if (!m_frameWindow || !m_frameWindow->isVisible())
+        return std::nullopt;
+    return m_frameWindow->time();
+}
+
+MorphEditor* MorphEditorWindowController::focusedEditor() const
+{
+    return m_lastEditor->hasFocus() ? m_lastEditor : m_firstEditor;
+}
+
+void MorphEditorWindowController::finishGestures()
+{
+    m_firstEditor->finishGesture();
+    m_lastEditor->finishGesture();
+}
+
+void MorphEditorWindowController::undo()
+{
+    finishGestures();
+    m_document->undoManager().undo();
+}
+
+void MorphEditorWindowController::redo()
+{
+    finishGestures();
+    m_document->undoManager().redo();
+}
+
+void MorphEditorWindowController::zoomInEditors()
+{
+    finishGestures();
+    m_zoom->zoomIn();
+}
+
+void MorphEditorWindowController::zoomOutEditors()
+{
+    finishGestures();
+    m_zoom->zoomOut();
+}
+
+void MorphEditorWindowController::centerSelection()
+{
+    m_firstEditor->centerSelectionInVisibleArea();
+    m_lastEditor->centerSelectionInVisibleArea();
+}
+
+void MorphEditorWindowController::lineColorChosen(const QColor& color)
+{
+    m_document->setLineColor(LineColor::fromQColor(color));
+}
+
+bool MorphEditorWindowController::hasAnyImage() const
+{
+    return m_document->imageInTrack(0).has_value() || m_document->imageInTrack(1).has_value();
+}
+
+bool MorphEditorWindowController::canRender() const
+{
+    return hasAnyImage() && !m_document->morphLines().empty();
+}
+
+bool MorphEditorWindowController::canSelectAttached() const
+{
+    const auto& selection = m_document->selectedLines();
+    return std::any_of(selection.begin(), selection.end(), [this](const MorphLine::Ptr& line) {
+        const MorphLine::Ptr before = line->attachedLineAtStart();
+        const MorphLine::Ptr after = line->attachedLineAtEnd();
+        return (before && !m_document->isLineSelected(before.get())) || (after && !m_document->isLineSelected(after.get()));
+    });
+}
+
+void MorphEditorWindowController::showEvent(QShowEvent* event)
+{
+    QMainWindow::showEvent(event);
+    if (m_fitted)
+        return;
+    m_fitted = true;
+    // Fitting needs the scroll areas' final sizes, known once the window is laid out.
+    QTimer::singleShot(0, this, [this] {
+        m_firstEditor->sizeToFit();
+        m_lastEditor->sizeToFit();
+    });
+}
+
+void MorphEditorWindowController::closeEvent(QCloseEvent* event)
+{
+    // The document manager decides: it asks about unsaved changes and closes the window.
+    event->ignore();
+    finishGestures();
+    QTimer::singleShot(0, this, [this] { m_commands.closeDocument(this); });
+}
+
+} // namespace plyra

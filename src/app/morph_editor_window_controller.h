@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/document_edited_state.h"
+#include "inspector/inspectable_window.h"
+#include "platform/notification_center.h"
+#include "render/windows/frame_window.h"
+#include "render/windows/movie_window.h"
+
+#include <QMainWindow>
+#include <QPointer>
+#include <QString>
+
+#include <memory>
+
+class QScrollArea;
+class QSplitter;
+
+namespace plyra {
+
+class ApplicationCommands;
+class DocumentToolbar;
+class EditorZoom;
+class MorphDocument;
+class MorphEditor;
+class PreviewDock;
+class WindowActions;
+
+/// The main window of a document: the first-image and the last-image editors side by
+/// side, the toolbar with the line colour, the menus, zoom, and the links to the
+/// preview strip, the render windows and the inspector. It owns its document; closing
+/// the window closes the document, through the application's document manager.
+/// Threads: main thread only.
+class MorphEditorWindowController : public QMainWindow, public InspectableWindow {
+    Q_OBJECT
+
+public:
+    /// The user default that chooses the textured window background.
+    static constexpr const char* kTexturedWindowsKey = "texturedWindows";
+    static void registerDefaults();
+
+    MorphEditorWindowController(std::unique_ptr<MorphDocument> document, const QString& filePath,
+        const QString& untitledName, ApplicationCommands& commands);
+    ~MorphEditorWindowController() override;
+
+    MorphDocument& document() const { return *m_document; }
+    QString filePath() const { return m_filePath; }
+    void setFilePath(const QString& path);
+    /// The package's name without ".plyra", or the untitled name.
+    QString displayName() const;
+
+    bool isDocumentEdited() const;
+    void markDocumentSaved();
+    void markDocumentEdited();
+    /// Closes the render windows that belong to this document.
+    void closeDocumentWindows();
+
+    MorphEditor* firstEditor() const { return m_firstEditor; }
+    MorphEditor* lastEditor() const { return m_lastEditor; }
+    QSplitter* editorSplitView() const { return m_editorSplitView; }
+    WindowActions& actions() const { return *m_actions; }
+    DocumentToolbar& toolbar() const { return *m_toolbar; }
+    bool hasTexturedBackground() const { return m_textured; }
+    PreviewDock* previewDock() const { return m_previewDock; }
+    /// The render windows, made on first request; null before.
+    FrameWindow* frameWindow() const { return m_frameWindow; }
+    MovieWindow* movieWindow() const { return m_movieWindow; }
+
+    // What the inspector panel asks of the window in front.
+    QVariantList currentSelection() const override;
+    UndoManager* documentUndoManager() override;
+    bool documentHasBothImages() const override;
+    std::optional<float> frameWindowTime() const override;
+
+    /// The commands of the window, as its menus and toolbar run them.
+    void zoomInEditors();
+    void zoomOutEditors();
+    void centerSelection();
+    void undo();
+    void redo();
+    void showFrameWindow();
+    void showMovieWindow();
+    void togglePreviewDrawer();
+    void showInspectorPanel();
+    void toggleInspectorPanel();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+
+private:
+    void buildEditors();
+    void buildActions();
+    void buildToolbar();
+    void buildPreviewDrawer();
+    void registerInspector();
+    void renameRenderWindows();
+    void postFrameTimeUpdated();
+    void applyBackground();
+    void keepBarsSolid();
+    void observeDocument();
+    void refreshState();
+    void updateTitle();
+    void updateUndoTitles();
+    MorphEditor* focusedEditor() const;
+    void finishGestures();
+    void lineColorChosen(const QColor& color);
+    bool hasAnyImage() const;
+    bool canRender() const;
+    bool canSelectAttached() const;
+
+    std::unique_ptr<MorphDocument> m_document;
+    QString m_filePath;
+    QString m_untitledName;
+    DocumentEditedState m_edited;
+    ApplicationCommands& m_commands;
+    WindowActions* m_actions = nullptr;
+    DocumentToolbar* m_toolbar = nullptr;
+    QSplitter* m_editorSplitView = nullptr;
+    MorphEditor* m_firstEditor = nullptr;
+    MorphEditor* m_lastEditor = nullptr;
+    QScrollArea* m_firstScrollArea = nullptr;
+    QScrollArea* m_lastScrollArea = nullptr;
+    std::unique_ptr<EditorZoom> m_zoom;
+    PreviewDock* m_previewDock = nullptr;
+    QPointer<FrameWindow> m_frameWindow;
+    QPointer<MovieWindow> m_movieWindow;
+    bool m_textured = true;
+    bool m_fitted = false;
+};
+
+} // namespace plyra

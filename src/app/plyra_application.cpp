@@ -1,0 +1,203 @@
+// SPDX-License-Identifier: MIT
+#include "app/plyra_application.h"
+
+#include "app/document_manager.h"
+#include "app/document_prompts.h"
+#include "app/help_window.h"
+#include "app/morph_app_controller.h"
+#include "app/morph_editor_window_controller.h"
+#include "app/update_alerts.h"
+#include "inspector/inspector_controller.h"
+#include "inspector/inspector_panel.h"
+#include "model/morph_document.h"
+#include "platform/qt/qt_run_loop.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QFileInfo>
+#include <QIcon>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QMessageBox>
+#include <QTranslator>
+
+namespace plyra {
+namespace {
+
+const char* const kTranslationAreas[] = {"plyra_app", "plyra_editor", "plyra_render", "plyra_inspector"};
+
+bool isImageArgument(const QString& argument)
+{
+    const QFileInfo info(argument);
+    return info.isFile() && !argument.endsWith(QLatin1String(".plyra"));
+}
+
+} // namespace
+
+void PlyraApplication::configure(QApplication& application)
+{
+    application.setApplicationName(QStringLiteral("plyra"));
+    application.setApplicationDisplayName(QStringLiteral("Plyra"));
+    application.setApplicationVersion(QStringLiteral(PLYRA_VERSION));
+    application.setOrganizationName(QStringLiteral("Plyra"));
+    application.setOrganizationDomain(QStringLiteral("plyra.org"));
+    application.setDesktopFileName(QStringLiteral("org.plyra.Plyra"));
+    application.setWindowIcon(QIcon(QStringLiteral(":/app/icons/plyra.svg")));
+    application.setQuitOnLastWindowClosed(false);
+    bindRunLoopToQtEventLoop();
+    installTranslations(QLocale().uiLanguages());
+    MorphAppController::registerDefaults();
+    MorphEditorWindowController::registerDefaults();
+}
+
+QString PlyraApplication::installTranslations(const QStringList& languages)
+{
+    for (const QString& language : languages) {
+        const QString code = language.left(2).toLower();
+        if (code == QLatin1String("en"))
+            return {};
+        bool found = false;
+        for (const char* area : kTranslationAreas) {
+            auto translator = std::make_unique<QTranslator>(qApp);
+            if (translator->load(QStringLiteral(":/i18n/%1_%2.qm").arg(QLatin1String(area), code))) {
+                QCoreApplication::installTranslator(translator.release());
+                found = true;
+            }
+        }
+        if (!found)
+            continue;
+        // Qt's own texts: standard buttons, file and colour dialogs.
+        auto qtBase = std::make_unique<QTranslator>(qApp);
+        if (qtBase->load(QStringLiteral("qtbase_%1").arg(code), QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+            QCoreApplication::installTranslator(qtBase.release());
+        return code;
+    }
+    return {};
+}
+
+PlyraApplication::PlyraApplication(std::unique_ptr<DocumentPrompts> prompts, std::unique_ptr<UpdateAlerts> alerts)
+    : m_appController(std::make_unique<MorphAppController>(std::move(alerts)))
+{
+    m_documents = std::make_unique<DocumentManager>(std::move(prompts),
+        [this](std::unique_ptr<MorphDocument> document, const QString& path, const QString& untitled) {
+            return new MorphEditorWindowController(std::move(document), path, untitled, *this);
+        });
+    connect(m_documents.get(), &DocumentManager::lastWindowClosed, this, &PlyraApplication::finished);
+    connectInspector();
+}
+
+void PlyraApplication::connectInspector()
+{
+    InspectorController* inspector = InspectorController::sharedInspectorController();
+    connect(inspector, &InspectorController::helpRequested, this, &PlyraApplication::showHelp);
+    // Undo and redo reach the document in front also while the panel has the focus.
+    QWidget* panel = inspector->panel();
+    auto forward = [inspector](void (MorphEditorWindowController::*command)()) {
+        return [inspector, command] {
+            if (auto* window = qobject_cast<MorphEditorWindowController*>(inspector->mainDocumentWindow()))
+                (window->*command)();
+        };
+    };
+    auto* undo = new QAction(this);
+    undo->setShortcut(QKeySequence::Undo);
+    connect(undo, &QAction::triggered, this, forward(&MorphEditorWindowController::undo));
+    auto* redo = new QAction(this);
+    redo->setShortcut(QKeySequence::Redo);
+    connect(redo, &QAction::triggered, this, forward(&MorphEditorWindowController::redo));
+    panel->addActions({undo, redo});
+}
+
+PlyraApplication::~PlyraApplication()
+{
+    delete m_help.data();
+}
+
+bool PlyraApplication::openArguments(const QStringList& arguments)
+{
+    if (arguments.isEmpty())
+        return m_documents->newDocument() != nullptr;
+    if (arguments.size() <= 2 && std::all_of(arguments.begin(), arguments.end(), isImageArgument))
+        return m_documents->newDocumentWithImages(arguments.value(0), arguments.value(1)) != nullptr;
+    bool opened = false;
+    for (const QString& path : arguments)
+        opened = m_documents->openDocument(path) != nullptr || opened;
+    return opened;
+}
+
+void PlyraApplication::applicationDidFinishLaunching()
+{
+    m_appController->applicationDidFinishLaunching();
+}
+
+void PlyraApplication::newDocument()
+{
+    m_documents->newDocument();
+}
+
+void PlyraApplication::openDocument()
+{
+    m_documents->openDocumentInteractively(QApplication::activeWindow());
+}
+
+void PlyraApplication::openRecentDocument(const QString& path)
+{
+    m_documents->openDocument(path);
+}
+
+QStringList PlyraApplication::recentDocuments() const
+{
+    return m_documents->recentDocuments().paths();
+}
+
+void PlyraApplication::clearRecentDocuments()
+{
+    m_documents->recentDocuments().clear();
+}
+
+bool PlyraApplication::saveDocument(MorphEditorWindowController* window)
+{
+    return m_documents->save(window);
+}
+
+bool PlyraApplication::saveDocumentAs(MorphEditorWindowController* window)
+{
+    return m_documents->saveAs(window);
+}
+
+void PlyraApplication::revertDocument(MorphEditorWindowController* window)
+{
+    m_documents->revert(window);
+}
+
+bool PlyraApplication::closeDocument(MorphEditorWindowController* window)
+{
+    return m_documents->close(window);
+}
+
+void PlyraApplication::quit()
+{
+    if (m_documents->closeAll() && m_documents->windows().empty())
+        emit finished();
+}
+
+void PlyraApplication::showHelp(const QString& page)
+{
+    if (!m_help)
+        m_help = new HelpWindow;
+    m_help->showPage(page);
+}
+
+void PlyraApplication::checkForUpdates()
+{
+    m_appController->checkForUpdatesRequested();
+}
+
+void PlyraApplication::showAbout()
+{
+    QMessageBox::about(QApplication::activeWindow(), tr("About Plyra"),
+        tr("<h3>Plyra %1</h3><p>Morphs one still image into another through pairs of corresponding lines.</p>"
+           "<p>Licensed under the MIT licence.</p>")
+            .arg(QApplication::applicationVersion()));
+}
+
+} // namespace plyra

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/application_commands.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QStringList>
+
+#include <memory>
+
+class QApplication;
+
+namespace plyra {
+
+class DocumentManager;
+class DocumentPrompts;
+class HelpWindow;
+class MorphAppController;
+class UpdateAlerts;
+
+/// The application shell: its name, version and icon, the translations of the
+/// interface, the user defaults it registers, the documents named on the command line,
+/// the update check at launch, help and About. It answers the commands that a document
+/// window's menus send to the application.
+/// Threads: main thread only.
+class PlyraApplication : public QObject, public ApplicationCommands {
+    Q_OBJECT
+
+public:
+    /// Sets the application's identity and installs the translations of the user's
+    /// language. Call once, right after the QApplication exists.
+    static void configure(QApplication& application);
+    /// Loads the interface's translations for the given languages (the first that has
+    /// one wins); returns the language chosen, or empty for English.
+    static QString installTranslations(const QStringList& languages);
+
+    PlyraApplication(std::unique_ptr<DocumentPrompts> prompts, std::unique_ptr<UpdateAlerts> alerts);
+    ~PlyraApplication() override;
+
+    /// Opens what the arguments name: packages, or two images for a new document, or
+    /// nothing (an empty new document). False when nothing could be opened.
+    bool openArguments(const QStringList& arguments);
+    void applicationDidFinishLaunching();
+
+    DocumentManager& documents() const { return *m_documents; }
+    MorphAppController& appController() const { return *m_appController; }
+
+    // ApplicationCommands
+    void newDocument() override;
+    void openDocument() override;
+    void openRecentDocument(const QString& path) override;
+    QStringList recentDocuments() const override;
+    void clearRecentDocuments() override;
+    bool saveDocument(MorphEditorWindowController* window) override;
+    bool saveDocumentAs(MorphEditorWindowController* window) override;
+    void revertDocument(MorphEditorWindowController* window) override;
+    bool closeDocument(MorphEditorWindowController* window) override;
+    void quit() override;
+    void showHelp(const QString& page) override;
+    void checkForUpdates() override;
+    void showAbout() override;
+
+signals:
+    /// Every document is closed, or the user quit.
+    void finished();
+
+private:
+    void connectInspector();
+
+    std::unique_ptr<DocumentManager> m_documents;
+    std::unique_ptr<MorphAppController> m_appController;
+    QPointer<HelpWindow> m_help;
+};
+
+} // namespace plyra

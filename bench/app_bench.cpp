@@ -106,18 +106,23 @@ void zoomSteps(PlyraApplication& app, const QTemporaryDir& dir)
     for (int i = 0; i < 20; ++i)
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
     std::vector<double> steps;
+    std::vector<double> paints;
     QElapsedTimer step;
     auto scrollArea = [](MorphEditor* editor) { return qobject_cast<QScrollArea*>(editor->parentWidget()->parentWidget()); };
     EditorZoom zoom({EditorZoom::Editor{window->firstEditor(), scrollArea(window->firstEditor())},
                         EditorZoom::Editor{window->lastEditor(), scrollArea(window->lastEditor())}},
         [window] { window->centerSelection(); },
         [&] {
+            QElapsedTimer paint;
+            paint.start();
             window->editorSplitView()->repaint();
+            paints.push_back(paint.nsecsElapsed() / 1e6);
             steps.push_back(step.nsecsElapsed() / 1e6);
             step.restart();
         });
     for (const char* direction : {"in", "in", "out", "out"}) {
         steps.clear();
+        paints.clear();
         step.start();
         const bool in = direction[1] == 'n';
         if (!(in ? zoom.zoomIn() : zoom.zoomOut()))
@@ -125,7 +130,10 @@ void zoomSteps(PlyraApplication& app, const QTemporaryDir& dir)
         std::printf("zoom %-3s to %5dx%-5d steps (ms):", direction, window->firstEditor()->width(), window->firstEditor()->height());
         for (double ms : steps)
             std::printf(" %5.1f", ms);
-        std::printf("   longest %.1f\n", *std::max_element(steps.begin(), steps.end()));
+        std::printf("   longest %.1f   (of which drawing:", *std::max_element(steps.begin(), steps.end()));
+        for (double ms : paints)
+            std::printf(" %.1f", ms);
+        std::printf(")\n");
     }
     app.documents().close(window);
 }

@@ -6,22 +6,22 @@
     <message>
         <location filename="../../src/app/document_prompts.cpp" line="22" />
         <source>Save Changes</source>
-        <translation>Änderungen sichern</translation>
+        <translation>Änderungen speichern</translation>
     </message>
     <message>
         <location filename="../../src/app/document_prompts.cpp" line="23" />
         <source>Do you want to save the changes made to the document "%1"?</source>
-        <translation>Möchten Sie die Änderungen am Dokument „%1“ sichern?</translation>
+        <translation>Möchten Sie die Änderungen am Dokument „%1“ speichern?</translation>
     </message>
     <message>
         <location filename="../../src/app/document_prompts.cpp" line="25" />
         <source>Your changes will be lost if you don't save them.</source>
-        <translation>Ihre Änderungen gehen verloren, wenn Sie sie nicht sichern.</translation>
+        <translation>Ihre Änderungen gehen verloren, wenn Sie sie nicht speichern.</translation>
     </message>
     <message>
         <location filename="../../src/app/document_prompts.cpp" line="27" />
         <source>Don't Save</source>
-        <translation>Nicht sichern</translation>
+        <translation>Nicht speichern</translation>
     </message>
     <message>
         <location filename="../../src/app/document_prompts.cpp" line="41" />
@@ -31,7 +31,7 @@
     <message>
         <location filename="../../src/app/document_prompts.cpp" line="42" />
         <source>Do you want to revert "%1" to the version saved last?</source>
-        <translation>Möchten Sie „%1“ auf die zuletzt gesicherte Version zurücksetzen?</translation>
+        <translation>Möchten Sie „%1“ auf die zuletzt gespeicherte Version zurücksetzen?</translation>
     </message>
     <message>
         <location filename="../../src/app/document_prompts.cpp" line="44" />
@@ -226,7 +226,7 @@
         <location filename="../../src/app/package_file_dialog.cpp" line="77" />
         <location filename="../../src/app/package_file_dialog.cpp" line="98" />
         <source>Save Document</source>
-        <translation>Dokument sichern</translation>
+        <translation>Dokument speichern</translation>
     </message>
     <message>
         <location filename="../../src/app/package_file_dialog.cpp" line="99" />
@@ -324,12 +324,12 @@
     <message>
         <location filename="../../src/app/window_actions.cpp" line="28" />
         <source>&amp;Save</source>
-        <translation>&amp;Sichern</translation>
+        <translation>&amp;Speichern</translation>
     </message>
     <message>
         <location filename="../../src/app/window_actions.cpp" line="29" />
         <source>Save &amp;As…</source>
-        <translation>Sichern &amp;unter …</translation>
+        <translation>Speichern &amp;unter …</translation>
     </message>
     <message>
         <location filename="../../src/app/window_actions.cpp" line="30" />
@@ -419,7 +419,7 @@
     <message>
         <location filename="../../src/app/window_actions.cpp" line="49" />
         <source>&amp;Timing</source>
-        <translation>&amp;Zeitablauf</translation>
+        <translation>&amp;Zeitverlauf</translation>
     </message>
     <message>
         <location filename="../../src/app/window_actions.cpp" line="50" />
@@ -492,7 +492,7 @@
         <location filename="../../src/app/document_manager.cpp" line="126" />
         <location filename="../../src/app/document_manager.cpp" line="149" />
         <source>The document "%1" could not be saved as "%2".</source>
-        <translation>Das Dokument „%1“ konnte nicht als „%2“ gesichert werden.</translation>
+        <translation>Das Dokument „%1“ konnte nicht als „%2“ gespeichert werden.</translation>
     </message>
     <message>
         <location filename="../../src/app/document_manager.cpp" line="150" />

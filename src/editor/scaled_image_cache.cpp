@@ -75,7 +75,10 @@ QRect ScaledImageCache::rectToKeep(const QRect& needed, const QRect& visible, QS
 {
     const QRect image = imageRect(viewSize);
     const qint64 area = static_cast<qint64>(image.width()) * image.height();
-    if (area <= kWholeViewPixels)
+    const qint64 visibleArea = static_cast<qint64>(visible.width()) * visible.height();
+    // The whole image while it is not much more than what can be seen: zooming in
+    // makes it grow quickly, and every step would rescale all of it.
+    if (area <= kWholeViewPixels && (visible.isEmpty() || area <= 2 * visibleArea))
         return image;
     // A quarter of the visible size as margin on every side, so that scrolling a little
     // reuses the copy.

@@ -194,6 +194,21 @@ void ViewGeometryTest::hugeViewKeepsOnlyWhatIsVisible()
     const QSize kept = cache.scaledPixelSize();
     QVERIFY(qint64(kept.width()) * kept.height() <= 4 * qint64(visible.width()) * visible.height());
     QVERIFY(cache.scaledRect().contains(visible));
+
+    // A view of a few megapixels, two zoom steps past the visible area, is not scaled
+    // whole either: every step of a zoom would rescale all of it.
+    QImage small(200, 150, QImage::Format_RGB32);
+    QPainter smallPainter(&small);
+    const QSize zoomed(2288, 1524);
+    const QRect seen(700, 500, 560, 400);
+    smallPainter.translate(-seen.topLeft());
+    cache.draw(smallPainter, QRegion(seen), zoomed, seen, 1.0);
+    QVERIFY(cache.scaledRect().contains(seen));
+    QVERIFY(cache.scaledRect().width() < zoomed.width() && cache.scaledRect().height() < zoomed.height());
+    // Fitted, the whole image is kept, so scrolling never rescales.
+    const QSize fitted(600, 400);
+    cache.draw(smallPainter, QRegion(QRect(0, 0, 100, 100)), fitted, QRect(QPoint(0, 0), fitted), 1.0);
+    QCOMPARE(cache.scaledRect(), QRect(QPoint(0, 0), fitted));
     // The pixels are the photo's at that place (a smooth gradient, so interpolation
     // changes little).
     for (const QPoint& p : {QPoint(8000, 5000), QPoint(8500, 5600), QPoint(8999, 5749)}) {

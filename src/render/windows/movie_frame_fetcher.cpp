@@ -4,15 +4,7 @@
 #include "platform/movie/movie_frame_decoder.h"
 #include "render/async_movie_writer.h"
 
-#include <sys/resource.h>
-#include <unistd.h>
-
 namespace plyra {
-namespace {
-
-constexpr int kNiceness = 10;
-
-} // namespace
 
 MovieFrameFetcher::MovieFrameFetcher(QObject* parent)
     : QObject(parent)
@@ -54,9 +46,6 @@ void MovieFrameFetcher::request(int index, QSize size, bool keepAspect)
 
 void MovieFrameFetcher::run()
 {
-    // Showing the movie yields to making it: on a busy machine the frames being rendered
-    // and compressed come first. Linux gives each thread its own nice value.
-    setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), kNiceness);
     std::unique_lock lock(m_mutex);
     for (;;) {
         m_wake.wait(lock, [this] { return m_stop || m_request; });

@@ -256,8 +256,30 @@ void MorphEditorWindowController::observeDocument()
     m_document->undoManager().setChangeCallback([this] { refreshState(); });
 }
 
+void MorphEditorWindowController::fitEditorsToNewImages()
+{
+    std::array<qint64, 2> keys{};
+    for (unsigned track : {0u, 1u})
+        if (const std::optional<DisplayImage> image = m_document->imageInTrack(track))
+            keys[track] = image->raster.cacheKey();
+    const std::array<qint64, 2> previous = m_imageKeys;
+    m_imageKeys = keys;
+    if (!m_fitted || keys == previous)
+        return;
+    // A new or replaced image is shown whole; an editor without an image of its own
+    // shows the other one and takes the same size.
+    const std::array<MorphEditor*, 2> editors{m_firstEditor, m_lastEditor};
+    for (unsigned track : {0u, 1u})
+        if (keys[track] != previous[track] && keys[track] != 0)
+            editors[track]->sizeToFit();
+    for (unsigned track : {0u, 1u})
+        if (keys[track] == 0 && keys[1 - track] != 0)
+            editors[track]->resize(editors[1 - track]->size());
+}
+
 void MorphEditorWindowController::refreshState()
 {
+    fitEditorsToNewImages();
     m_actions->refresh();
     m_toolbar->validate();
     m_toolbar->lineColorWell()->setColor(m_document->lineColor()->toQColor());
@@ -505,6 +527,9 @@ void MorphEditorWindowController::showEvent(QShowEvent* event)
     QTimer::singleShot(0, this, [this] {
         m_firstEditor->sizeToFit();
         m_lastEditor->sizeToFit();
+        for (auto [editor, other] : {std::pair{m_firstEditor, m_lastEditor}, std::pair{m_lastEditor, m_firstEditor}})
+            if (!m_document->imageInTrack(editor->track()) && m_document->imageInTrack(other->track()))
+                editor->resize(other->size());
     });
 }
 

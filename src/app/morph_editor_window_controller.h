@@ -11,6 +11,7 @@
 #include <QPointer>
 #include <QString>
 
+#include <array>
 #include <memory>
 
 class QScrollArea;
@@ -101,6 +102,7 @@ private:
     void keepBarsSolid();
     void observeDocument();
     void refreshState();
+    void fitEditorsToNewImages();
     void updateTitle();
     void updateUndoTitles();
     MorphEditor* focusedEditor() const;
@@ -128,6 +130,7 @@ private:
     QPointer<MovieWindow> m_movieWindow;
     bool m_textured = true;
     bool m_fitted = false;
+    std::array<qint64, 2> m_imageKeys{};
 };
 
 } // namespace plyra

@@ -120,6 +120,19 @@ private slots:
         QVERIFY(enabled(Command::RenderImage) && enabled(Command::RenderMovie));
     }
 
+    void aNewImageIsFittedAndTheEmptyEditorFollows()
+    {
+        QTest::qWait(50); // the window fits its editors once it is laid out
+        QString reason;
+        QVERIFY(document().setImageFromFile(m_image, 0, &reason)); // 300 x 200
+        endPass();
+        const QSize first = m_window->firstEditor()->size();
+        QVERIFY(std::abs(first.width() * 2 - first.height() * 3) <= 3);
+        const QSize content = MorphEditor::contentSizeOf(*qobject_cast<QScrollArea*>(m_window->firstEditor()->parentWidget()->parentWidget())).toSize();
+        QVERIFY(first.width() == content.width() || first.height() == content.height());
+        QCOMPARE(m_window->lastEditor()->size(), first);
+    }
+
     void toolbarSetsAndLabels()
     {
         QCOMPARE(DocumentToolbar::defaultItemIdentifiers(),

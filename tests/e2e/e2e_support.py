@@ -149,9 +149,42 @@ class Accessibility:
         box = node.queryComponent().getExtents(self.pyatspi.DESKTOP_COORDS)
         return box.x, box.y, box.width, box.height
 
+    def is_enabled(self, node):
+        return node.getState().contains(self.pyatspi.STATE_ENABLED)
+
+    def window_titles(self):
+        return [self.app.getChildAtIndex(i).name for i in range(self.app.childCount)
+                if self.app.getChildAtIndex(i) is not None]
+
     def centre(self, node):
         x, y, w, h = self.extents(node)
         return x + w / 2, y + h / 2
+
+
+def unit_to_screen(extents, point):
+    """A point in unit image coordinates (y up) on an editor's screen extents."""
+    x, y, w, h = extents
+    return x + point[0] * w, y + (1.0 - point[1]) * h
+
+
+def parse_point(text):
+    x, y = text.strip("{}").split(",")
+    return float(x), float(y)
+
+
+def jpeg_size(path):
+    """Width and height from a JPEG's start-of-frame marker."""
+    with open(path, "rb") as f:
+        data = f.read()
+    if data[:2] != b"\xff\xd8":
+        raise E2EError(f"{path} is not a JPEG file")
+    i = 2
+    while i < len(data):
+        marker, length = data[i + 1], int.from_bytes(data[i + 2:i + 4], "big")
+        if marker in (0xC0, 0xC1, 0xC2):
+            return int.from_bytes(data[i + 7:i + 9], "big"), int.from_bytes(data[i + 5:i + 7], "big")
+        i += 2 + length
+    raise E2EError(f"{path} has no frame header")
 
 
 def render_info(render_binary, package):

@@ -23,6 +23,7 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QEventLoop>
 #include <QImage>
 #include <QMainWindow>
 #include <QProcess>
@@ -40,10 +41,21 @@ namespace {
 constexpr int kWidth = 1920;
 constexpr int kHeight = 1080;
 
+// Runs the event loop until done() holds, looking every millisecond; the thread sleeps
+// in between, as an application's main thread does.
 void waitUntil(const std::function<bool()>& done)
 {
-    while (!done())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 1);
+    if (done())
+        return;
+    QEventLoop loop;
+    QTimer check;
+    check.setInterval(1);
+    QObject::connect(&check, &QTimer::timeout, &loop, [&] {
+        if (done())
+            loop.quit();
+    });
+    check.start();
+    loop.exec();
 }
 
 void pause(int ms)

@@ -3,6 +3,10 @@
 // (two generated pictures, 50 lines from a fixed seed, grid spacing 7):
 //   SampleFrame:  outputImage + conversion of one finished job at time 0.5, the sampling
 //                 alone (the warp field is computed beforehand), on one thread and on all.
+//   LastImageRows/exact, /whole: the same coordinates sampled with the unrounded last-image
+//                 rows (the coordinates image's fifth channel) and without them, as frames
+//                 were sampled before; one thread. Also timed interleaved after the rows,
+//                 so that a busy machine slows both alike.
 // and, printed after the rows, for this workload and for lines that move less:
 //   - PSNR of the frame at 0.5 against the exact per-pixel evaluation of the same line
 //     field in double precision (tests/engine/exact_frame_oracle.h);
@@ -18,12 +22,18 @@
 #include "engine/image_conversion.h"
 #include "engine/morph_calculation_job.h"
 #include "engine/morpher.h"
+#include "engine/sample_coords_filter.h"
+#include "platform/image/renderer.h"
 
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstdio>
+#include <vector>
+
+#include <time.h>
 #include <optional>
 
 namespace plyra {
@@ -77,6 +87,77 @@ void BM_SampleFrame(benchmark::State& state)
     state.SetLabel(threads == 0 ? "all cores" : "one thread");
 }
 BENCHMARK(BM_SampleFrame)->Arg(1)->Arg(0)->Unit(benchmark::kMillisecond)->UseRealTime()->MinTime(2.0);
+
+/// The job's frame through its own coordinates image, with or without its fifth channel
+/// (the unrounded last-image rows); both read the whole pictures, so that they differ in
+/// nothing else.
+Image sampledFrame(MorphCalculationJob& job, bool exactRows)
+{
+    job.outputImage(); // makes the coordinates image
+    Image coords = job.coordsImage();
+    if (!exactRows) {
+        const FloatBitmap& nodes = *coords.floatBitmap();
+        std::vector<float> values(nodes.data(), nodes.data() + nodes.floatsPerRow() * std::size_t(nodes.height()));
+        coords = Image::fromFloatData(std::move(values), nodes.bytesPerRow(), nodes.width(), nodes.height());
+    }
+    SampleCoords2Filter filter;
+    filter.setDefaults();
+    filter.setValue(job.track0Image(), "inputImage1");
+    filter.setValue(job.track1Image(), "inputImage2");
+    filter.setValue(coords, "coordsImage");
+    filter.setValue(job.interpolationFactor(), "resolution");
+    filter.setExtent({0.0f, 0.0f, float(kWidth), float(kHeight)});
+    return filter.outputImage();
+}
+
+Bitmap renderOnOneThread(const Image& frame)
+{
+    RenderOptions options;
+    options.maxThreads = 1;
+    return renderToBitmap(frame, {0.0f, 0.0f, float(kWidth), float(kHeight)}, options);
+}
+
+void BM_LastImageRows(benchmark::State& state, bool exactRows)
+{
+    const auto job = finishedJob(workload(), 0.5f);
+    const Image frame = sampledFrame(*job, exactRows);
+    renderOnOneThread(frame);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(renderOnOneThread(frame).data());
+}
+BENCHMARK_CAPTURE(BM_LastImageRows, exact, true)->Unit(benchmark::kMillisecond)->UseRealTime()->MinTime(2.0);
+BENCHMARK_CAPTURE(BM_LastImageRows, whole, false)->Unit(benchmark::kMillisecond)->UseRealTime()->MinTime(2.0);
+
+/// This thread's processor time in milliseconds: unlike the clock on the wall, it does
+/// not run on while other programs have the processor.
+double threadMilliseconds()
+{
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return double(now.tv_sec) * 1e3 + double(now.tv_nsec) * 1e-6;
+}
+
+/// One-thread sampling times of both, alternating frame by frame: the smallest and the
+/// middle of each, in milliseconds of processor time.
+void printInterleavedTimes()
+{
+    const auto job = finishedJob(workload(), 0.5f);
+    const Image frames[2] = {sampledFrame(*job, true), sampledFrame(*job, false)};
+    constexpr int kRounds = 41;
+    std::vector<double> times[2];
+    for (int round = 0; round < kRounds; ++round)
+        for (int k = 0; k < 2; ++k) {
+            const double start = threadMilliseconds();
+            benchmark::DoNotOptimize(renderOnOneThread(frames[k]).data());
+            times[k].push_back(threadMilliseconds() - start);
+        }
+    for (auto& t : times)
+        std::sort(t.begin(), t.end());
+    std::printf("sampling one frame on one thread, %d alternating rounds, processor time: exact rows min %.2f ms, "
+                "median %.2f ms; whole rows min %.2f ms, median %.2f ms; exact/whole %.3f (medians), %.3f (minima)\n",
+                kRounds, times[0].front(), times[0][kRounds / 2], times[1].front(), times[1][kRounds / 2],
+                times[0][kRounds / 2] / times[1][kRounds / 2], times[0].front() / times[1].front());
+}
 
 /// How many channels of a frame differ from a picture's.
 long differingChannels(const Bitmap& frame, const Image& picture)
@@ -166,6 +247,7 @@ int main(int argc, char** argv)
         return 1;
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
+    plyra::printInterleavedTimes();
     plyra::printExactness();
     return 0;
 }

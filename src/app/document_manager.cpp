@@ -199,6 +199,18 @@ bool DocumentManager::closeAll()
     return true;
 }
 
+void DocumentManager::discardAll()
+{
+    const std::vector<QPointer<MorphEditorWindowController>> windows = m_windows;
+    for (const QPointer<MorphEditorWindowController>& window : windows) {
+        if (!window)
+            continue;
+        discard(window);
+        // At once: the event loop that would delete it later is ending.
+        delete window.data();
+    }
+}
+
 void DocumentManager::discard(MorphEditorWindowController* window)
 {
     std::erase_if(m_windows, [window](const QPointer<MorphEditorWindowController>& w) { return !w || w == window; });

@@ -51,6 +51,8 @@ public:
     bool close(MorphEditorWindowController* window);
     /// Closes every document, asking for each; false when the user cancelled one.
     bool closeAll();
+    /// Closes every document at once, unsaved changes included.
+    void discardAll();
 
     const std::vector<QPointer<MorphEditorWindowController>>& windows() const { return m_windows; }
     MorphEditorWindowController* windowForPath(const QString& path) const;

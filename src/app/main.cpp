@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/document_prompts.h"
 #include "app/plyra_application.h"
+#include "app/termination_signals.h"
 #include "app/update_alerts.h"
 
 #include <QApplication>
@@ -23,6 +24,13 @@ int main(int argc, char* argv[])
 
     plyra::PlyraApplication plyraApp(std::make_unique<plyra::DialogDocumentPrompts>(), std::make_unique<plyra::MessageBoxUpdateAlerts>());
     QObject::connect(&plyraApp, &plyra::PlyraApplication::finished, &application, &QApplication::quit);
+    // Asked to end from outside: the windows close without questions, so that nothing
+    // they made (temporary movies) is left behind.
+    plyra::TerminationSignals termination;
+    QObject::connect(&termination, &plyra::TerminationSignals::terminationRequested, &application, [&plyraApp, &application](int) {
+        plyraApp.discardAllDocuments();
+        application.quit();
+    });
     if (!plyraApp.openArguments(parser.positionalArguments()))
         return 1;
     QTimer::singleShot(0, &plyraApp, &plyra::PlyraApplication::applicationDidFinishLaunching);

@@ -129,6 +129,11 @@ void PlyraApplication::applicationDidFinishLaunching()
     m_appController->applicationDidFinishLaunching();
 }
 
+void PlyraApplication::discardAllDocuments()
+{
+    m_documents->discardAll();
+}
+
 void PlyraApplication::newDocument()
 {
     m_documents->newDocument();

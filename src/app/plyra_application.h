@@ -42,6 +42,8 @@ public:
     /// nothing (an empty new document). False when nothing could be opened.
     bool openArguments(const QStringList& arguments);
     void applicationDidFinishLaunching();
+    /// Closes every document window without asking (the program is told to end).
+    void discardAllDocuments();
 
     DocumentManager& documents() const { return *m_documents; }
     MorphAppController& appController() const { return *m_appController; }

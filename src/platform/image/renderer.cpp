@@ -13,6 +13,9 @@
 #include <atomic>
 #include <cmath>
 #include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
 #include <thread>
 #include <vector>
 
@@ -67,9 +70,26 @@ void runTiles(int tiles, int maxThreads, const std::function<void(int)>& renderT
         helper.join();
 }
 #else
+// One arena per thread limit, made once: making a task arena for every render costs
+// about a millisecond and, with the oneTBB of Debian 12, several kilobytes that are never
+// given back, so a long movie grew by megabytes per thousand frames. Arenas may run work
+// from several threads at once.
+tbb::task_arena& arenaFor(int maxThreads)
+{
+    static std::mutex mutex;
+    static std::map<int, std::unique_ptr<tbb::task_arena>> arenas;
+    std::lock_guard guard(mutex);
+    std::unique_ptr<tbb::task_arena>& arena = arenas[maxThreads];
+    if (!arena) {
+        const int concurrency = maxThreads > 0 ? maxThreads : static_cast<int>(tbb::task_arena::automatic);
+        arena = std::make_unique<tbb::task_arena>(concurrency);
+    }
+    return *arena;
+}
+
 void runTiles(int tiles, int maxThreads, const std::function<void(int)>& renderTile)
 {
-    tbb::task_arena arena(maxThreads > 0 ? maxThreads : tbb::task_arena::automatic);
+    tbb::task_arena& arena = arenaFor(std::max(maxThreads, 0));
     arena.execute([&] {
         tbb::parallel_for(tbb::blocked_range<int>(0, tiles, 1), [&](const tbb::blocked_range<int>& range) {
             for (int tile = range.begin(); tile != range.end(); ++tile)

@@ -164,4 +164,10 @@ std::string makeTemporaryMoviePath(const std::string& directory, const std::stri
     return name.data();
 }
 
+void Movie::finishCompression()
+{
+    for (const std::unique_ptr<MovieTrack>& track : m_tracks)
+        track->finishCompression();
+}
+
 } // namespace plyra

@@ -92,6 +92,10 @@ public:
     MovieStatus addImage(const RgbaImage& image, const MovieTime& duration,
                          const std::optional<AddImageAttributes>& attributes);
 
+    /// Ends compression on every track (MovieTrack::finishCompression): for a movie that
+    /// is complete, before it is written out.
+    void finishCompression();
+
     /// Writes the movie as a QuickTime file holding all its sample data. With `flatten`
     /// the index goes in front of the data (fast start). The file is written beside
     /// `path` and renamed into place only when complete; a failure leaves `path` as it was.

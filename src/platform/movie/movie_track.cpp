@@ -107,6 +107,11 @@ MovieStatus MovieTrack::insertSegmentOfTrack(const MovieTrack& source, const Mov
     return MovieStatus::success();
 }
 
+void MovieTrack::finishCompression()
+{
+    m_encoder.reset();
+}
+
 MovieStatus MovieTrack::startEncoding(const RgbaImage& image, const AddImageAttributes& attributes)
 {
     if (m_media->sampleCount() > 0)

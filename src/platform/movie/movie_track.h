@@ -14,6 +14,7 @@
 namespace plyra {
 
 class MovieSampleStore;
+class MovieSampleTable;
 class MovieEncoder;
 struct MovieCodecParameters;
 
@@ -84,8 +85,8 @@ public:
     /// FFmpeg's name of the codec ("mpeg4", "h264", "mjpeg", "qtrle", "prores").
     std::string codecName() const;
 
-    size_t sampleCount() const { return m_samples.size(); }
-    const MovieSample& sample(size_t index) const { return m_samples[index]; }
+    size_t sampleCount() const;
+    MovieSample sample(size_t index) const;
     /// The end of the last sample, in the media's time scale.
     int64_t duration() const;
     /// Index of the sample shown at the time (media time scale), or none.
@@ -104,10 +105,6 @@ public:
     const std::shared_ptr<MovieSampleStore>& store() const { return m_store; }
 
 private:
-    struct SampleLocation {
-        std::shared_ptr<MovieSampleStore> store;
-        int64_t offset = 0;
-    };
 
     FourCharCode m_mediaType;
     int32_t m_timeScale;
@@ -115,8 +112,7 @@ private:
     std::shared_ptr<MovieSampleStore> m_store;
     FourCharCode m_codecType = 0;
     std::shared_ptr<const MovieCodecParameters> m_codec;
-    std::vector<MovieSample> m_samples;
-    std::vector<SampleLocation> m_locations;
+    std::unique_ptr<MovieSampleTable> m_samples;
 };
 
 /// A track of a movie: media type, size, volume, its range on the movie's time line and
@@ -160,6 +156,9 @@ public:
     /// Compresses the image and appends it at the end of the track's media.
     MovieStatus addImage(const RgbaImage& image, const MovieTime& duration,
                          const std::optional<AddImageAttributes>& attributes);
+    /// Lets go of the encoder and the memory it holds once the last image is in; the
+    /// track takes no more images after that. Encoders here hold back no frames.
+    void finishCompression();
 
 private:
     void extendRangeTo(int64_t trackEnd);

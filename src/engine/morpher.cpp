@@ -4,6 +4,7 @@
 #include "platform/log.h"
 
 #include <cmath>
+#include <new>
 #include <system_error>
 
 namespace plyra {
@@ -27,6 +28,20 @@ Rect unitRect(const DisplacementBounds& b)
 Rect toPixels(const Rect& r, Size size)
 {
     return {r.x * size.width, r.y * size.height, r.width * size.width, r.height * size.height};
+}
+
+// A worker has nobody to throw to: a field too large for memory ends the job without
+// one, which its frame then lacks (and says so), instead of ending the program.
+void computeOrGiveUp(const Morpher& morpher, MorphCalculationJob& job)
+{
+    try {
+        morpher.processMorphCalculationJob(job);
+    } catch (const std::bad_alloc&) {
+        logLine(formatString("Morpher: not enough memory for the warp field of the frame at time %g",
+                             static_cast<double>(job.time())));
+        job.setCoords({});
+        job.setProgress(1.0f);
+    }
 }
 
 } // namespace
@@ -124,7 +139,7 @@ void Morpher::runBackgroundThread(Ptr self)
                                              ConditionLock::deadlineIn(kWorkerWaitSeconds))) {
             MorphCalculationJob::Ptr job = morpher.takeJob();
             if (job) {
-                morpher.processMorphCalculationJob(*job);
+                computeOrGiveUp(morpher, *job);
                 job.reset();
                 morpher.finishJob();
             }

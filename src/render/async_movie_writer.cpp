@@ -3,6 +3,8 @@
 
 #include "platform/log.h"
 
+#include <new>
+
 namespace plyra {
 namespace {
 
@@ -215,9 +217,15 @@ void AsyncMovieWriter::appendEntry(const QueueEntry& entry)
     if (m_failed.load(std::memory_order_acquire))
         return;
     lock();
-    MovieTrack* track = m_movie->lastVideoTrack();
-    const MovieStatus status = track ? track->addImage(entry.image, entry.duration, entry.attributes)
-                                     : m_movie->addImage(entry.image, entry.duration, entry.attributes);
+    MovieStatus status;
+    // The worker has nobody to throw to: running out of memory fails this append.
+    try {
+        MovieTrack* track = m_movie->lastVideoTrack();
+        status = track ? track->addImage(entry.image, entry.duration, entry.attributes)
+                       : m_movie->addImage(entry.image, entry.duration, entry.attributes);
+    } catch (const std::bad_alloc&) {
+        status = MovieStatus::failure(kMovieMemoryError, "There is not enough memory to compress the frame");
+    }
     unlock();
     noteAppend(status);
 }

@@ -2,6 +2,9 @@
 #include "render/frame_conversion_queue.h"
 
 #include "engine/image_conversion.h"
+#include "platform/log.h"
+
+#include <new>
 
 namespace plyra {
 
@@ -43,6 +46,17 @@ void FrameConversionQueue::waitUntilIdle()
     m_idle.wait(lock, [this] { return m_images.empty() && m_inHand == 0; });
 }
 
+std::optional<Bitmap> FrameConversionQueue::render(const Image& image)
+{
+    // This thread has nobody to throw to: a frame too large for memory becomes no frame.
+    try {
+        return bitmapFromImage(image);
+    } catch (const std::bad_alloc&) {
+        logLine("Could not render a frame: there is not enough memory for it");
+        return std::nullopt;
+    }
+}
+
 void FrameConversionQueue::run()
 {
     std::unique_lock lock(m_mutex);
@@ -54,7 +68,7 @@ void FrameConversionQueue::run()
         m_images.pop_front();
         m_inHand = 1;
         lock.unlock();
-        m_sink(bitmapFromImage(image));
+        m_sink(render(image));
         lock.lock();
         m_inHand = 0;
         if (m_images.empty())

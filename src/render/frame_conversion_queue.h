@@ -37,6 +37,7 @@ public:
 
 private:
     void run();
+    static std::optional<Bitmap> render(const Image& image);
 
     Sink m_sink;
     mutable std::mutex m_mutex;

@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <malloc.h>
 #include <thread>
 
 namespace plyra {
@@ -23,6 +24,10 @@ namespace {
 // their warp fields stay within kJobsAheadBytes even for the largest frames.
 constexpr unsigned kJobsAheadPerWorker = 4;
 constexpr std::size_t kJobsAheadBytes = std::size_t{256} << 20;
+// Every frame allocates and frees a few large buffers on several threads; the C
+// library keeps the pages those leave between live blocks, so that a long movie's
+// memory would creep up with its length unless they are handed back now and then.
+constexpr int kFramesBetweenTrims = 64;
 
 // A GIF or an image sequence is made from the frames after the render: they wait in the
 // temporary movie without loss, alpha included.
@@ -158,6 +163,8 @@ void MovieRenderController::consumeFinishedJobs()
         && m_conversions && framesWaiting() < kMaxFramesWaiting) {
         m_conversions->push(jobs().front()->outputImage());
         ++m_framesAppended;
+        if (m_framesAppended % kFramesBetweenTrims == 0)
+            ::malloc_trim(0);
         jobs().pop_front();
         if (stopOnWriterFailure())
             return;
@@ -216,6 +223,9 @@ bool MovieRenderController::saveRenderedMovie(const QString& path, QString* erro
     m_writer->lock();
     const MovieTrack* track = complete->lastVideoTrack();
     const std::size_t frames = track && track->media() ? track->media()->sampleCount() : 0;
+    // Every frame is in: the encoder and what it holds are no longer needed.
+    if (frames == static_cast<std::size_t>(m_framesAppended))
+        m_writer->movie().finishCompression();
     m_writer->unlock();
     if (frames != static_cast<std::size_t>(m_framesAppended))
         return fail(QStringLiteral("only %1 of %2 frames could be compressed").arg(frames).arg(m_framesAppended));
@@ -227,6 +237,9 @@ bool MovieRenderController::writeMovieAs(MovieOutputKind kind, const QString& pa
                                          QString* error)
 {
     if (kind == MovieOutputKind::QuickTime) {
+        // The file's index takes memory in proportion to the frames; hand back first what
+        // the render no longer holds, so that saving a long movie does not raise its peak.
+        ::malloc_trim(0);
         const MovieStatus status = m_writer->writeToFile(QFile::encodeName(target).toStdString(), true);
         if (!status.ok() && error)
             *error = QString::fromStdString(status.message);

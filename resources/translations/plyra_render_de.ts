@@ -414,7 +414,7 @@
     <message>
         <location filename="../../src/render/windows/render_window.cpp" line="24"/>
         <source>Untitled</source>
-        <translation>Ohne Titel</translation>
+        <translation>Unbenannt</translation>
     </message>
     <message>
         <location filename="../../src/render/windows/render_window.cpp" line="30"/>

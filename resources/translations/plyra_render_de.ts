@@ -206,9 +206,14 @@
         <translation>%1 berechneter Film</translation>
     </message>
     <message>
-        <location filename="../../src/render/windows/movie_window.cpp" line="155"/>
+        <location filename="../../src/render/windows/movie_window.cpp" line="158"/>
         <source>QuickTime movie (*.mov)</source>
         <translation>QuickTime-Film (*.mov)</translation>
+    </message>
+    <message>
+        <location filename="../../src/render/windows/movie_window.cpp" line="158"/>
+        <source>Animated GIF, looping (*.gif)</source>
+        <translation>Animiertes GIF, in Schleife (*.gif)</translation>
     </message>
 </context>
 <context>

@@ -10,8 +10,10 @@
 #include "render/windows/render_scheduler.h"
 #include "render/windows/render_toolbar.h"
 
+#include <QComboBox>
 #include <QFile>
 #include <QFileDialog>
+#include <QLineEdit>
 #include <QProcess>
 #include <QSignalSpy>
 #include <QTest>
@@ -194,14 +196,20 @@ void MovieWindowTest::temporaryMoviesComeAndGo()
 void MovieWindowTest::savesASelfContainedMovie_data()
 {
     QTest::addColumn<QString>("code");
+    QTest::addColumn<bool>("chooseGif");
+    QTest::addColumn<QString>("saved");
     QTest::addColumn<QString>("codecName");
-    QTest::newRow("mpeg 4") << "mp4v" << "mpeg4";
-    QTest::newRow("h.264") << "avc1" << "h264";
+    QTest::newRow("mpeg 4") << "mp4v" << false << "morph.mov" << "mpeg4";
+    QTest::newRow("h.264") << "avc1" << false << "morph.mov" << "h264";
+    // Choosing the GIF type by key turns the suggested "faces.mov" into "faces.gif".
+    QTest::newRow("animated gif") << "mp4v" << true << "faces.gif" << "gif";
 }
 
 void MovieWindowTest::savesASelfContainedMovie()
 {
     QFETCH(QString, code);
+    QFETCH(bool, chooseGif);
+    QFETCH(QString, saved);
     test::WindowTestDocument doc({64, 48}, {64, 48});
     doc.addLine(0.3f, 0.3f, 0.7f, 0.7f, 0.1f, 0.0f);
     doc.document->setCodecFormat(code);
@@ -215,9 +223,20 @@ void MovieWindowTest::savesASelfContainedMovie()
     auto* dialog = window.findChild<QFileDialog*>(QStringLiteral("saveDialog"));
     QVERIFY(dialog);
     QCOMPARE(dialog->defaultSuffix(), QStringLiteral("mov"));
-    dialog->selectFile(doc.dir.filePath(QStringLiteral("morph")));
+    if (chooseGif) {
+        auto* types = dialog->findChild<QComboBox*>(QStringLiteral("fileTypeCombo"));
+        auto* name = dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        QVERIFY(types && name);
+        QCOMPARE(name->text(), QStringLiteral("faces.mov"));
+        types->setFocus();
+        QTest::keyClick(types, Qt::Key_Down);
+        QCOMPARE(name->text(), QStringLiteral("faces.gif"));
+        QCOMPARE(dialog->defaultSuffix(), QStringLiteral("gif"));
+    } else {
+        dialog->selectFile(doc.dir.filePath(QStringLiteral("morph")));
+    }
     static_cast<QDialog*>(dialog)->accept();
-    const QString path = doc.dir.filePath(QStringLiteral("morph.mov"));
+    const QString path = doc.dir.filePath(saved);
     QVERIFY(QFile::exists(path));
 
     // The temporary movie goes; the saved one stands alone.
@@ -225,7 +244,8 @@ void MovieWindowTest::savesASelfContainedMovie()
     const QMap<QString, QString> probed = probe(path);
     QTEST(probed.value(QStringLiteral("codec_name")), "codecName");
     QCOMPARE(probed.value(QStringLiteral("nb_read_frames")), QStringLiteral("12"));
-    QCOMPARE(probed.value(QStringLiteral("duration")).toDouble(), 0.5);
+    // GIF delays are whole hundredths of a second: 1/24 s becomes 0.04 s.
+    QVERIFY(qAbs(probed.value(QStringLiteral("duration")).toDouble() - 0.5) <= (chooseGif ? 0.021 : 0.0));
 }
 
 void MovieWindowTest::aCodecNothingCanWriteIsShown()

@@ -152,7 +152,10 @@ void MovieWindow::updateAspectMode()
 
 SaveFileTypes MovieWindow::saveFileTypes() const
 {
-    return {QStringLiteral("mov"), {}, {tr("QuickTime movie (*.mov)")}};
+    // The saved movie's kind follows the name: a QuickTime movie, or an animated GIF made
+    // from the same compressed frames.
+    return {QStringLiteral("mov"), {QStringLiteral("gif")},
+        {tr("QuickTime movie (*.mov)"), tr("Animated GIF, looping (*.gif)")}};
 }
 
 bool MovieWindow::saveRenderedFramesToPath(const QString& path, QString* error)

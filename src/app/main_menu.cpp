@@ -49,6 +49,8 @@ void buildMainMenu(QMenuBar* bar, WindowActions& actions, ApplicationCommands& c
     QObject::connect(recent, &QMenu::aboutToShow, recent, [recent, &commands] { fillRecentMenu(recent, commands); });
     fillRecentMenu(recent, commands);
     file->addSeparator();
+    addActions(file, actions, {Command::ChooseFirstImage, Command::ChooseLastImage});
+    file->addSeparator();
     addActions(file, actions, {Command::Close, Command::Save, Command::SaveAs, Command::Revert});
     file->addSeparator();
     addActions(file, actions, {Command::Quit});

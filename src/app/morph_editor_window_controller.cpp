@@ -4,6 +4,7 @@
 #include "app/application_commands.h"
 #include "app/document_toolbar.h"
 #include "app/editor_zoom.h"
+#include "app/image_chooser.h"
 #include "app/line_color_well.h"
 #include "app/localization.h"
 #include "app/main_menu.h"
@@ -187,6 +188,8 @@ void MorphEditorWindowController::buildActions()
     WindowActions& a = *m_actions;
     a.setHandler(Command::NewDocument, [this] { m_commands.newDocument(); });
     a.setHandler(Command::Open, [this] { m_commands.openDocument(); });
+    a.setHandler(Command::ChooseFirstImage, [this] { chooseImage(0); });
+    a.setHandler(Command::ChooseLastImage, [this] { chooseImage(1); });
     a.setHandler(Command::Close, [this] { close(); });
     a.setHandler(Command::Save, [this] { finishGestures(); m_commands.saveDocument(this); });
     a.setHandler(Command::SaveAs, [this] { finishGestures(); m_commands.saveDocumentAs(this); });
@@ -370,6 +373,14 @@ void MorphEditorWindowController::showInspectorPanel()
 void MorphEditorWindowController::toggleInspectorPanel()
 {
     InspectorController::sharedInspectorController()->togglePanel();
+}
+
+void MorphEditorWindowController::chooseImage(unsigned track)
+{
+    finishGestures();
+    const QString start = ImageChooser::startFolder(m_document->imageURLInTrack(track), m_filePath);
+    MorphEditor* editor = track == 0 ? m_firstEditor : m_lastEditor;
+    ImageChooser::run(this, track, start, [editor](const QString& path) { editor->useImageFile(path); });
 }
 
 void MorphEditorWindowController::showFrameWindow()

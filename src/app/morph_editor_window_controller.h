@@ -79,6 +79,8 @@ public:
     void centerSelection();
     void undo();
     void redo();
+    /// Asks for a file to become the image of track 0 (first) or 1 (last).
+    void chooseImage(unsigned track);
     void showFrameWindow();
     void showMovieWindow();
     void togglePreviewDrawer();

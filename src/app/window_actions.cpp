@@ -24,6 +24,8 @@ const std::vector<CommandInfo>& commandTable()
     static const std::vector<CommandInfo> table = {
         {Command::NewDocument, "new", QT_TRANSLATE_NOOP("WindowActions", "&New"), QKeySequence::New, "document-new"},
         {Command::Open, "open", QT_TRANSLATE_NOOP("WindowActions", "&Open…"), QKeySequence::Open, "document-open"},
+        {Command::ChooseFirstImage, "chooseFirstImage", QT_TRANSLATE_NOOP("WindowActions", "Choose &First Image…"), QKeySequence(), "document-open"},
+        {Command::ChooseLastImage, "chooseLastImage", QT_TRANSLATE_NOOP("WindowActions", "Choose &Last Image…"), QKeySequence(), "document-open"},
         {Command::Close, "close", QT_TRANSLATE_NOOP("WindowActions", "&Close"), QKeySequence::Close, "window-close"},
         {Command::Save, "save", QT_TRANSLATE_NOOP("WindowActions", "&Save"), QKeySequence::Save, "document-save"},
         {Command::SaveAs, "saveAs", QT_TRANSLATE_NOOP("WindowActions", "Save &As…"), QKeySequence::SaveAs, "document-save-as"},

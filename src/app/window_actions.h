@@ -13,7 +13,7 @@ namespace plyra {
 
 /// Every command of a document window's menus.
 enum class Command {
-    NewDocument, Open, Close, Save, SaveAs, Revert, Quit,
+    NewDocument, Open, ChooseFirstImage, ChooseLastImage, Close, Save, SaveAs, Revert, Quit,
     Undo, Redo, Delete, SelectAll, SelectNone, SelectAttached,
     ZoomIn, ZoomOut, CenterSelection, TogglePreview, ToggleInspector, CustomizeToolbar,
     RenderImage, RenderMovie,

@@ -73,9 +73,13 @@ public slots:
     /// Sizes the editor to the largest size of its image's aspect ratio that fits the
     /// enclosing scroll area, then centres the selection. Nothing without an image.
     void sizeToFit();
+    /// Makes the file this editor's image, as dropping it does: true when it was read;
+    /// otherwise the document is unchanged and the reason goes to the status bar.
+    bool useImageFile(const QString& path);
 
 signals:
-    /// A message for the window's status bar, such as why a dropped file was refused.
+    /// A message for the window's status bar, such as why a dropped file was refused;
+    /// empty to clear it.
     void statusMessageRequested(const QString& message);
 
 protected:

@@ -175,16 +175,26 @@ void MorphEditor::dropEvent(QDropEvent* event)
         event->ignore();
         return;
     }
-    finishGesture();
-    QString error;
-    if (m_context.dataSource->setImageFromFile(*file, m_context.track, &error)) {
+    if (useImageFile(*file)) {
         event->setDropAction(Qt::CopyAction);
         event->accept();
         return;
     }
-    emit statusMessageRequested(
-        tr("“%1” could not be used as the image: %2").arg(QFileInfo(*file).fileName(), error));
     event->ignore();
+}
+
+bool MorphEditor::useImageFile(const QString& path)
+{
+    if (!m_context.dataSource)
+        return false;
+    finishGesture();
+    QString error;
+    if (m_context.dataSource->setImageFromFile(path, m_context.track, &error)) {
+        emit statusMessageRequested(QString()); // an earlier refusal no longer applies
+        return true;
+    }
+    emit statusMessageRequested(tr("“%1” could not be used as the image: %2").arg(QFileInfo(path).fileName(), error));
+    return false;
 }
 
 } // namespace plyra

@@ -2,6 +2,7 @@
 #include "app/document_manager.h"
 #include "app/document_toolbar.h"
 #include "app/editor_zoom.h"
+#include "app/image_chooser.h"
 #include "app/line_color_well.h"
 #include "app/morph_editor_window_controller.h"
 #include "app/plyra_application.h"
@@ -14,6 +15,9 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QFileDialog>
+#include <QMenu>
+#include <QStatusBar>
 #include <QMenuBar>
 #include <QScrollArea>
 #include <QSplitter>
@@ -218,6 +222,63 @@ private slots:
         endPass();
         QVERIFY(!document().storedLineColor());
         QCOMPARE(well->color(), document().lineColor()->toQColor());
+    }
+
+    void imagesAreChosenFromTheFileMenu()
+    {
+        // Where the dialog starts: beside the image it replaces (for one kept in a
+        // package, beside the package), else beside the document.
+        const QString home = m_dir.path();
+        QDir(home).mkpath(QStringLiteral("photos"));
+        QDir(home).mkpath(QStringLiteral("doc.plyra"));
+        const QString fallback = ImageChooser::startFolder(QString(), QString());
+        const struct {
+            QString image, document, expected;
+        } starts[] = {
+            {home + "/photos/a.png", home + "/doc.plyra", home + "/photos"},
+            {home + "/doc.plyra/Image_0.tiff", home + "/doc.plyra", home},
+            {QString(), home + "/doc.plyra", home},
+            {"/nowhere/at/all/a.png", QString(), fallback},
+        };
+        for (const auto& start : starts)
+            QCOMPARE(ImageChooser::startFolder(start.image, start.document), start.expected);
+        QVERIFY(ImageChooser::nameFilters().first().contains(QStringLiteral("*.pdf")));
+        QVERIFY(ImageChooser::nameFilters().first().contains(QStringLiteral("*.png")));
+
+        auto* fileMenu = m_window->menuBar()->findChild<QMenu*>(QStringLiteral("fileMenu"));
+        QVERIFY(fileMenu->actions().contains(m_window->actions().action(Command::ChooseFirstImage)));
+        QVERIFY(fileMenu->actions().contains(m_window->actions().action(Command::ChooseLastImage)));
+
+        // A file that is not an image changes nothing and says why in the status bar.
+        const QString notes = m_dir.filePath(QStringLiteral("notes.png"));
+        QFile text(notes);
+        QVERIFY(text.open(QIODevice::WriteOnly) && text.write("not a picture") > 0);
+        text.close();
+        const struct {
+            Command command;
+            unsigned track;
+            QString title, file;
+            bool used;
+        } choices[] = {
+            {Command::ChooseLastImage, 1, QStringLiteral("Choose Last Image"), notes, false},
+            {Command::ChooseFirstImage, 0, QStringLiteral("Choose First Image"), m_image, true},
+        };
+        for (const auto& choice : choices) {
+            m_window->actions().action(choice.command)->trigger();
+            auto* dialog = m_window->findChild<QFileDialog*>(QStringLiteral("imageChooser"));
+            QVERIFY(dialog && dialog->isVisible());
+            QCOMPARE(dialog->windowTitle(), choice.title);
+            QCOMPARE(dialog->windowModality(), Qt::WindowModal);
+            dialog->selectFile(choice.file);
+            static_cast<QDialog*>(dialog)->accept();
+            endPass();
+            QCOMPARE(document().imageURLInTrack(choice.track), choice.used ? choice.file : QString());
+            QCOMPARE(m_window->statusBar()->currentMessage().contains(QStringLiteral("could not be used as the image")), !choice.used);
+        }
+        QVERIFY(document().ciimageInTrack(0));
+        m_window->undo();
+        endPass();
+        QVERIFY(document().imageURLInTrack(0).isEmpty());
     }
 
     void texturedBackgroundFollowsTheUserDefault()

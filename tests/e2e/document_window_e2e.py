@@ -1,11 +1,24 @@
 # SPDX-License-Identifier: MIT
 """The document window as a person uses it: open the demo, draw a line in the first
-image with the mouse, save with Ctrl+S, quit with Ctrl+Q; the saved package then holds
-one line more."""
+image with the mouse, choose another last image from the File menu by keys, save with
+Ctrl+S, quit with Ctrl+Q; the saved package then holds one line more and the new image."""
 
+import os
+import struct
 import sys
+import zlib
 
 from e2e_support import Accessibility, E2EError, Plyra, copy_demo, main, render_info, wait_for
+
+
+def write_png(path, width, height):
+    """A plain grey-gradient PNG, written without any imaging library."""
+    def chunk(kind, data):
+        return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
+    rows = b"".join(b"\0" + bytes(x * 255 // width for x in range(width) for _ in range(3)) for _ in range(height))
+    with open(path, "wb") as out:
+        out.write(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 2, 0, 0, 0))
+                  + chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b""))
 
 
 def test(display, scratch, binary, render_binary, demo):
@@ -22,6 +35,14 @@ def test(display, scratch, binary, render_binary, demo):
             raise E2EError(f"the first-image editor is only {w}x{h}")
         # The bottom-left corner of the demo's first image has no line near it.
         plyra.drag((x + 0.06 * w, y + 0.90 * h), (x + 0.30 * w, y + 0.80 * h))
+        # File > Choose Last Image… by its mnemonics; the dialog's name field has the focus.
+        replacement = os.path.join(scratch, "replacement.png")
+        write_png(replacement, 400, 200)
+        plyra.key("alt+f", "l")
+        plyra.focus(plyra.window("Choose Last Image"))
+        plyra.xdotool("type", "--delay", "10", replacement)
+        plyra.key("Return")
+        plyra.focus(window)
         plyra.key("ctrl+s")
         wait_for(lambda: len(render_info(render_binary, package)["lines"]) == lines_before + 1,
                  what="the saved package to hold the new line")
@@ -33,6 +54,9 @@ def test(display, scratch, binary, render_binary, demo):
     info = render_info(render_binary, package)
     if len(info["lines"]) != lines_before + 1:
         raise E2EError(f"expected {lines_before + 1} lines, found {len(info['lines'])}")
+    last = info["images"][1]
+    if (last["width"], last["height"]) != (400, 200):
+        raise E2EError(f"the last image is {last['width']}x{last['height']}, not the chosen 400x200")
 
 
 if __name__ == "__main__":

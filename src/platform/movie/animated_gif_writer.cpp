@@ -3,8 +3,7 @@
 
 #include "platform/log.h"
 #include "platform/movie/movie_codec_internal.h"
-#include "platform/output_path_guard.h"
-#include "platform/side_file.h"
+#include "platform/movie/movie_output_file_internal.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -15,7 +14,6 @@ extern "C" {
 }
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
 #include <cstring>
 #include <functional>
@@ -314,29 +312,21 @@ MovieStatus AnimatedGifWriter::write(const std::string& path, int width, int hei
     if (count == 0 || width < 1 || height < 1 || width > 65535 || height > 65535 || !(framesPerSecond > 0.0))
         return MovieStatus::failure(kMovieParamError, formatString(
             "Could not write \"%s\": an animated GIF needs frames of 1 to 65535 pixels a side", path.c_str()));
-    std::string refusal;
-    const std::optional<std::string> target = OutputPathGuard().check(path, &refusal);
-    if (!target)
-        return MovieStatus::failure(kMovieFileError, formatString("Could not write \"%s\": %s", path.c_str(), refusal.c_str()));
-    SideFile side(*target);
-    if (side.path().empty())
-        return MovieStatus::failure(kMovieFileError, formatString(
-            "Could not write beside \"%s\": %s", path.c_str(), std::strerror(errno)));
+    MovieOutputFile file(path);
+    if (!file.status().ok())
+        return file.status();
     GifPasses passes(width, height, count, framesPerSecond, frames);
     MovieStatus status = passes.makePalette();
     GifOutput output;
     if (status.ok())
-        status = output.open(side.path(), width, height);
+        status = output.open(file.sidePath(), width, height);
     if (status.ok())
         status = passes.mapAndEncode(output);
     if (status.ok())
         status = output.finish();
     if (!status.ok())
         return MovieStatus::failure(status.code, formatString("Could not write \"%s\": %s", path.c_str(), status.message.c_str()));
-    if (!side.commit(*target))
-        return MovieStatus::failure(kMovieFileError, formatString(
-            "Could not move the finished GIF to \"%s\": %s", path.c_str(), std::strerror(errno)));
-    return MovieStatus::success();
+    return file.commit("GIF");
 }
 
 } // namespace plyra

@@ -3,14 +3,12 @@
 
 #include "platform/log.h"
 #include "platform/movie/movie_codec_internal.h"
-#include "platform/output_path_guard.h"
-#include "platform/side_file.h"
+#include "platform/movie/movie_output_file_internal.h"
 
 extern "C" {
 #include <libavformat/avformat.h>
 }
 
-#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <sys/stat.h>
@@ -201,21 +199,11 @@ MovieStatus writeMovieFile(const Movie& movie, const std::string& path, bool fas
         return MovieStatus::failure(kMovieInvalidMedia,
                                     formatString("Could not write \"%s\": the movie has no frames", path.c_str()));
     // Only a regular file or a new name is replaced; a link to a file keeps being a link.
-    std::string refusal;
-    const std::optional<std::string> target = OutputPathGuard().check(path, &refusal);
-    if (!target)
-        return MovieStatus::failure(kMovieFileError, formatString("Could not write \"%s\": %s", path.c_str(), refusal.c_str()));
-    SideFile side(*target);
-    if (side.path().empty())
-        return MovieStatus::failure(kMovieFileError, formatString(
-            "Could not write beside \"%s\": %s", path.c_str(), std::strerror(errno)));
-    MovieStatus status = muxInto(side.path(), path, outputs, fastStart);
-    if (!status.ok())
-        return status;
-    if (!side.commit(*target))
-        return MovieStatus::failure(kMovieFileError, formatString(
-            "Could not move the finished movie to \"%s\": %s", path.c_str(), std::strerror(errno)));
-    return MovieStatus::success();
+    MovieOutputFile file(path);
+    if (!file.status().ok())
+        return file.status();
+    const MovieStatus status = muxInto(file.sidePath(), path, outputs, fastStart);
+    return status.ok() ? file.commit("movie") : status;
 }
 
 MovieStatus Movie::writeToFile(const std::string& path, bool flatten)

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+#include "platform/movie/movie_output_file_internal.h"
+
+#include "platform/log.h"
+#include "platform/output_path_guard.h"
+
+#include <cerrno>
+#include <cstring>
+
+namespace plyra {
+
+MovieOutputFile::MovieOutputFile(const std::string& path)
+    : m_path(path)
+{
+    std::string refusal;
+    m_target = OutputPathGuard().check(path, &refusal);
+    if (!m_target) {
+        m_status = MovieStatus::failure(kMovieFileError, formatString("Could not write \"%s\": %s", path.c_str(), refusal.c_str()));
+        return;
+    }
+    m_side = std::make_unique<SideFile>(*m_target);
+    if (m_side->path().empty()) {
+        m_status = MovieStatus::failure(kMovieFileError, formatString(
+            "Could not write beside \"%s\": %s", path.c_str(), std::strerror(errno)));
+        m_side.reset();
+    }
+}
+
+MovieStatus MovieOutputFile::commit(const char* kind)
+{
+    if (!m_side)
+        return m_status;
+    if (!m_side->commit(*m_target))
+        return MovieStatus::failure(kMovieFileError, formatString(
+            "Could not move the finished %s to \"%s\": %s", kind, m_path.c_str(), std::strerror(errno)));
+    return MovieStatus::success();
+}
+
+} // namespace plyra

@@ -46,9 +46,7 @@ def test(display, scratch, binary, render_binary, demo):
         plyra.key("ctrl+s")
         wait_for(lambda: len(render_info(render_binary, package)["lines"]) == lines_before + 1,
                  what="the saved package to hold the new line")
-        plyra.key("ctrl+q")
-        if plyra.wait() != 0:
-            raise E2EError("plyra did not exit cleanly")
+        plyra.quit()
     finally:
         plyra.kill()
     info = render_info(render_binary, package)

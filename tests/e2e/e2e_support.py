@@ -115,6 +115,23 @@ class Plyra:
         except subprocess.TimeoutExpired:
             raise E2EError("plyra did not quit")
 
+    def quit(self):
+        """Quits with Ctrl+Q and expects a clean exit."""
+        self.key("ctrl+q")
+        if self.wait() != 0:
+            raise E2EError("plyra did not exit cleanly")
+
+    def save_through_dialog(self, window, save_button, target, what):
+        """Clicks a render window's Save, types the target into the save dialog's name
+        field (focused when it opens) and waits until the file is written."""
+        self.focus(window)
+        self.click(save_button)
+        time.sleep(1.0)
+        self.key("ctrl+a")
+        self.xdotool("type", "--delay", "20", target)
+        self.key("Return")
+        wait_for(lambda: os.path.exists(target) and os.path.getsize(target) > 1000, what=what)
+
     def kill(self):
         if self.process.poll() is None:
             self.process.kill()

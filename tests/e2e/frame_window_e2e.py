@@ -5,7 +5,6 @@ through the save dialog; the JPEG has the frame's size and the title the new tim
 
 import os
 import sys
-import time
 
 from e2e_support import Accessibility, E2EError, Plyra, copy_demo, jpeg_size, main, wait_for
 
@@ -29,20 +28,12 @@ def test(display, scratch, binary, render_binary, demo):
         wait_for(lambda: a11y.is_enabled(save), what="the frame at time 1")
 
         target = os.path.join(scratch, "frame.jpg")
-        plyra.focus(frame_window)
-        plyra.click(a11y.centre(save))
-        time.sleep(1.0)  # the save dialog opens with the file name field focused
-        plyra.key("ctrl+a")
-        plyra.xdotool("type", "--delay", "20", target)
-        plyra.key("Return")
-        wait_for(lambda: os.path.exists(target) and os.path.getsize(target) > 1000, what="the saved frame")
+        plyra.save_through_dialog(frame_window, a11y.centre(save), target, "the saved frame")
         width, height = jpeg_size(target)
         if width < 100 or height < 100:
             raise E2EError(f"the saved frame is only {width}x{height}")
         plyra.focus(window)
-        plyra.key("ctrl+q")
-        if plyra.wait() != 0:
-            raise E2EError("plyra did not exit cleanly")
+        plyra.quit()
     finally:
         plyra.kill()
 

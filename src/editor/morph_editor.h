@@ -110,6 +110,8 @@ private:
     bool refreshImages();
     void syncLines();
     EditorCommands commands() const;
+    /// Runs a command on the document's selection and redraws the lines it changed.
+    void runCommand(void (EditorCommands::*command)());
 
     GestureEvent gestureEvent(const QMouseEvent& event, bool press) const;
     void dispatch(const GestureEvent& event);

@@ -18,36 +18,33 @@
 
 namespace plyra {
 
-void MorphEditor::selectAll()
+void MorphEditor::runCommand(void (EditorCommands::*command)())
 {
     if (!m_context.dataSource)
         return;
-    commands().selectAll();
+    EditorCommands editorCommands = commands();
+    (editorCommands.*command)();
     syncLines();
+}
+
+void MorphEditor::selectAll()
+{
+    runCommand(&EditorCommands::selectAll);
 }
 
 void MorphEditor::selectNone()
 {
-    if (!m_context.dataSource)
-        return;
-    commands().selectNone();
-    syncLines();
+    runCommand(&EditorCommands::selectNone);
 }
 
 void MorphEditor::selectAttachedLines()
 {
-    if (!m_context.dataSource)
-        return;
-    commands().selectAttachedLines();
-    syncLines();
+    runCommand(&EditorCommands::selectAttachedLines);
 }
 
 void MorphEditor::clear()
 {
-    if (!m_context.dataSource)
-        return;
-    commands().clear();
-    syncLines();
+    runCommand(&EditorCommands::clear);
 }
 
 QRectF MorphEditor::rectOfSelectedLines() const

@@ -5,6 +5,7 @@
 //
 //   large_photo_bench [width=8000] [height=6000] [lines=50]
 #include "bench_workload.h"
+#include "process_memory.h"
 #include "model/morph_document.h"
 #include "platform/qt/user_defaults.h"
 #include "platform/run_loop.h"
@@ -18,7 +19,6 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <string>
 #include <thread>
 
@@ -26,38 +26,6 @@ using namespace plyra;
 using Clock = std::chrono::steady_clock;
 
 namespace {
-
-double peakResidentMiB()
-{
-    std::ifstream status("/proc/self/status");
-    std::string key;
-    while (status >> key) {
-        long value = 0;
-        if (key == "VmHWM:" && status >> value)
-            return value / 1024.0;
-        status.ignore(1 << 12, '\n');
-    }
-    return -1;
-}
-
-double residentMiB()
-{
-    std::ifstream status("/proc/self/status");
-    std::string key;
-    while (status >> key) {
-        long value = 0;
-        if (key == "VmRSS:" && status >> value)
-            return value / 1024.0;
-        status.ignore(1 << 12, '\n');
-    }
-    return -1;
-}
-
-// Lets the next peak be measured from here ("5" resets the peak resident size).
-void resetPeak()
-{
-    std::ofstream("/proc/self/clear_refs") << "5";
-}
 
 // A photograph-like picture: smooth shading with fine texture, so that JPEG has work.
 void writePhoto(const QString& path, int width, int height, int seed)
@@ -98,15 +66,15 @@ int main(int argc, char* argv[])
     writePhoto(first, width, height, 1);
     writePhoto(last, width, height, 5);
 
-    const double baseline = residentMiB();
-    resetPeak();
+    const double baseline = bench::residentMiB();
+    bench::resetPeakResident();
     Clock::time_point start = Clock::now();
     MorphDocument document;
     document.setImageFromURL(first, 0);
     document.setImageFromURL(last, 1);
     const bool loaded = !document.ciimageInTrack(0).isNull() && !document.ciimageInTrack(1).isNull();
     const double reading = seconds(start);
-    const double readingPeak = peakResidentMiB();
+    const double readingPeak = bench::peakResidentMiB();
     if (!loaded) {
         std::fprintf(stderr, "the photographs could not be read\n");
         return 1;
@@ -115,7 +83,7 @@ int main(int argc, char* argv[])
         document.addMorphLine(line);
     RunLoop::main().runUntilIdle();
 
-    resetPeak();
+    bench::resetPeakResident();
     start = Clock::now();
     FrameRenderController controller(document);
     controller.settings().setFrameSize({1920, 1080});
@@ -123,7 +91,7 @@ int main(int argc, char* argv[])
     while (!controller.tick())
         std::this_thread::sleep_for(std::chrono::microseconds(200));
     const double rendering = seconds(start);
-    const double renderingPeak = peakResidentMiB();
+    const double renderingPeak = bench::peakResidentMiB();
     if (!controller.bitmap()) {
         std::fprintf(stderr, "no frame was rendered\n");
         return 1;

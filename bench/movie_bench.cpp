@@ -6,6 +6,8 @@
 //   movie_bench [frames=48] [width=1920] [height=1080] [lines=100] [codec=mp4v] [quality=768]
 //   movie_bench --memory [frames=500] [width] [height] [lines] [codec] [quality]
 //   movie_bench --memory-table [width=300] [height=300] [codec=mp4v] [frames...=1000 10000 100000]
+#include "process_memory.h"
+
 #include "model/morph_document.h"
 #include "platform/movie/movie.h"
 #include "platform/qt/user_defaults.h"
@@ -22,7 +24,6 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
-#include <fstream>
 #include <random>
 #include <string>
 #include <thread>
@@ -65,19 +66,6 @@ void addLines(MorphDocument& document, int count)
         line->setEndPoint({e.x + shift(random), e.y + shift(random)}, 1, nullptr);
         document.addMorphLine(line);
     }
-}
-
-long peakResidentKiB()
-{
-    std::ifstream status("/proc/self/status");
-    std::string key;
-    while (status >> key) {
-        long value = 0;
-        if (key == "VmHWM:" && status >> value)
-            return value;
-        status.ignore(1 << 12, '\n');
-    }
-    return -1;
 }
 
 double renderMovie(MorphDocument& document, int frames, const std::string& codec, int quality, const QString& out)
@@ -175,7 +163,7 @@ int main(int argc, char* argv[])
     if (memory) {
         const double seconds = renderMovie(document, frames, codec, quality, dir.filePath(QStringLiteral("long.mov")));
         std::printf("movie %d frames %dx%d, %d lines, %s q%d: %.2f s (%.1f fps), peak resident %.0f MiB\n", frames,
-            width, height, lineCount, codec.c_str(), quality, seconds, frames / seconds, peakResidentKiB() / 1024.0);
+            width, height, lineCount, codec.c_str(), quality, seconds, frames / seconds, bench::peakResidentMiB());
         return 0;
     }
 

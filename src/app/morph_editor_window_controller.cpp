@@ -256,7 +256,20 @@ void MorphEditorWindowController::observeDocument()
     NotificationCenter& center = NotificationCenter::defaultCenter();
     for (const char* name : {kObjectsUpdatedNotification, kSelectionUpdatedNotification})
         center.addObserver(name, [this](const Notification&) { refreshState(); }, this);
-    m_document->undoManager().setChangeCallback([this] { refreshState(); });
+    // The undo manager reports every registration, several per mouse move of a drag:
+    // the window's state follows once per event-loop pass.
+    m_document->undoManager().setChangeCallback([this] { scheduleRefresh(); });
+}
+
+void MorphEditorWindowController::scheduleRefresh()
+{
+    if (m_refreshScheduled)
+        return;
+    m_refreshScheduled = true;
+    QTimer::singleShot(0, this, [this] {
+        m_refreshScheduled = false;
+        refreshState();
+    });
 }
 
 void MorphEditorWindowController::fitEditorsToNewImages()

@@ -104,6 +104,7 @@ private:
     void keepBarsSolid();
     void observeDocument();
     void refreshState();
+    void scheduleRefresh();
     void fitEditorsToNewImages();
     void updateTitle();
     void updateUndoTitles();
@@ -132,6 +133,7 @@ private:
     QPointer<MovieWindow> m_movieWindow;
     bool m_textured = true;
     bool m_fitted = false;
+    bool m_refreshScheduled = false;
     std::array<qint64, 2> m_imageKeys{};
 };
 

@@ -3,31 +3,14 @@
 
 #include <QAction>
 #include <QFileInfo>
-#include <QLocale>
 #include <QTextBrowser>
 #include <QToolBar>
 
 namespace plyra {
-namespace {
 
-// The interface's language: the first of the user's languages that has a translation
-// of the interface, which is what the translators loaded at start-up chose too.
-QString interfaceLanguage()
-{
-    for (const QString& language : QLocale().uiLanguages()) {
-        const QString code = language.left(2).toLower();
-        if (code == QLatin1String("en"))
-            return code;
-        if (QFileInfo::exists(QStringLiteral(":/help/%1/index.html").arg(code)))
-            return code;
-    }
-    return QStringLiteral("en");
-}
-
-} // namespace
-
-HelpWindow::HelpWindow(QWidget* parent)
+HelpWindow::HelpWindow(const QString& language, QWidget* parent)
     : QMainWindow(parent)
+    , m_language(language)
     , m_browser(new QTextBrowser(this))
 {
     setWindowTitle(tr("Plyra Help"));
@@ -66,7 +49,7 @@ QString HelpWindow::pagePath(const QString& page, const QString& language)
 
 void HelpWindow::showPage(const QString& page)
 {
-    m_browser->setSource(QUrl(QStringLiteral("qrc") + pagePath(page, interfaceLanguage())));
+    m_browser->setSource(QUrl(QStringLiteral("qrc") + pagePath(page, m_language)));
     show();
     raise();
     activateWindow();

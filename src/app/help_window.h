@@ -15,8 +15,9 @@ class HelpWindow : public QMainWindow {
     Q_OBJECT
 
 public:
-    /// The pages: "index", "getting-started", "editors", "timing", "rendering".
-    explicit HelpWindow(QWidget* parent = nullptr);
+    /// The pages: "index", "getting-started", "editors", "timing", "rendering"; shown in
+    /// the language the interface's translations were loaded for ("en" for none).
+    explicit HelpWindow(const QString& language, QWidget* parent = nullptr);
 
     /// Shows the page (the contents for an unknown name) and brings the window forward.
     void showPage(const QString& page);
@@ -26,6 +27,7 @@ public:
     static QString pagePath(const QString& page, const QString& language);
 
 private:
+    QString m_language;
     QTextBrowser* m_browser;
 };
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/image_chooser.h"
 
+#include "app/package_file_dialog.h"
+
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -33,7 +35,7 @@ QString ImageChooser::startFolder(const QString& currentImagePath, const QString
             continue;
         QDir folder = QFileInfo(path).absoluteDir();
         // An image kept inside a document package: the folder holding the package.
-        if (folder.dirName().endsWith(QStringLiteral(".plyra"), Qt::CaseInsensitive))
+        if (PackageFileDialog::isPackagePath(folder.absolutePath()))
             folder.cdUp();
         if (folder.exists())
             return folder.absolutePath();

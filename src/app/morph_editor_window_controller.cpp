@@ -75,10 +75,6 @@ QPixmap brushedTexture(const QColor& base)
     return QPixmap::fromImage(tile);
 }
 
-// The menus of every window are localised once they exist; a window's own texts are
-// already translated when they are made.
-bool s_menusLocalized = false;
-
 } // namespace
 
 void MorphEditorWindowController::registerDefaults()
@@ -106,12 +102,11 @@ MorphEditorWindowController::MorphEditorWindowController(std::unique_ptr<MorphDo
     if (m_textured)
         keepBarsSolid();
     statusBar()->setSizeGripEnabled(true);
+    // The widget tree holds the menus but not their items: each window's own menus are
+    // localised here.
     localizeWindow(this);
-    if (!s_menusLocalized) {
-        s_menusLocalized = true;
-        for (QAction* menu : menuBar()->actions())
-            localizeMenu(menu->menu());
-    }
+    for (QAction* menu : menuBar()->actions())
+        localizeMenu(menu->menu());
     observeDocument();
     updateTitle();
     refreshState();
@@ -280,16 +275,20 @@ void MorphEditorWindowController::fitEditorsToNewImages()
             keys[track] = image->raster.cacheKey();
     const std::array<qint64, 2> previous = m_imageKeys;
     m_imageKeys = keys;
-    if (!m_fitted || keys == previous)
-        return;
-    // A new or replaced image is shown whole; an editor without an image of its own
-    // shows the other one and takes the same size.
+    if (m_fitted && keys != previous)
+        fitEditors({keys[0] != previous[0], keys[1] != previous[1]});
+}
+
+void MorphEditorWindowController::fitEditors(std::array<bool, 2> refit)
+{
+    // The image is shown whole; an editor without an image of its own shows the other
+    // one and takes the same size.
     const std::array<MorphEditor*, 2> editors{m_firstEditor, m_lastEditor};
     for (unsigned track : {0u, 1u})
-        if (keys[track] != previous[track] && keys[track] != 0)
+        if (refit[track])
             editors[track]->sizeToFit();
     for (unsigned track : {0u, 1u})
-        if (keys[track] == 0 && keys[1 - track] != 0)
+        if (!m_document->imageInTrack(track) && m_document->imageInTrack(1 - track))
             editors[track]->resize(editors[1 - track]->size());
 }
 
@@ -548,13 +547,7 @@ void MorphEditorWindowController::showEvent(QShowEvent* event)
         return;
     m_fitted = true;
     // Fitting needs the scroll areas' final sizes, known once the window is laid out.
-    QTimer::singleShot(0, this, [this] {
-        m_firstEditor->sizeToFit();
-        m_lastEditor->sizeToFit();
-        for (auto [editor, other] : {std::pair{m_firstEditor, m_lastEditor}, std::pair{m_lastEditor, m_firstEditor}})
-            if (!m_document->imageInTrack(editor->track()) && m_document->imageInTrack(other->track()))
-                editor->resize(other->size());
-    });
+    QTimer::singleShot(0, this, [this] { fitEditors({true, true}); });
 }
 
 void MorphEditorWindowController::closeEvent(QCloseEvent* event)

@@ -105,6 +105,8 @@ private:
     void observeDocument();
     void refreshState();
     void scheduleRefresh();
+    /// Sizes the editors of the tracks in refit to their images.
+    void fitEditors(std::array<bool, 2> refit);
     void fitEditorsToNewImages();
     void updateTitle();
     void updateUndoTitles();

@@ -6,6 +6,7 @@
 #include "app/help_window.h"
 #include "app/morph_app_controller.h"
 #include "app/morph_editor_window_controller.h"
+#include "app/package_file_dialog.h"
 #include "app/update_alerts.h"
 #include "inspector/inspector_controller.h"
 #include "inspector/inspector_panel.h"
@@ -26,10 +27,13 @@ namespace {
 
 const char* const kTranslationAreas[] = {"plyra_app", "plyra_editor", "plyra_render", "plyra_inspector"};
 
+// The language installTranslations() chose; the help is shown in it.
+QString s_interfaceLanguage = QStringLiteral("en");
+
 bool isImageArgument(const QString& argument)
 {
     const QFileInfo info(argument);
-    return info.isFile() && !argument.endsWith(QLatin1String(".plyra"));
+    return info.isFile() && !argument.endsWith(QLatin1Char('.') + QLatin1String(PackageFileDialog::kExtension));
 }
 
 } // namespace
@@ -52,6 +56,7 @@ void PlyraApplication::configure(QApplication& application)
 
 QString PlyraApplication::installTranslations(const QStringList& languages)
 {
+    s_interfaceLanguage = QStringLiteral("en");
     for (const QString& language : languages) {
         const QString code = language.left(2).toLower();
         if (code == QLatin1String("en"))
@@ -70,6 +75,7 @@ QString PlyraApplication::installTranslations(const QStringList& languages)
         auto qtBase = std::make_unique<QTranslator>(qApp);
         if (qtBase->load(QStringLiteral("qtbase_%1").arg(code), QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
             QCoreApplication::installTranslator(qtBase.release());
+        s_interfaceLanguage = code;
         return code;
     }
     return {};
@@ -188,7 +194,7 @@ void PlyraApplication::quit()
 void PlyraApplication::showHelp(const QString& page)
 {
     if (!m_help)
-        m_help = new HelpWindow;
+        m_help = new HelpWindow(s_interfaceLanguage);
     m_help->showPage(page);
 }
 

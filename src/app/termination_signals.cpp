@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "app/termination_signals.h"
 
+#include "platform/stop_request.h"
+#include "platform/termination_signals.h"
+
 #include <QSocketNotifier>
 
 #include <csignal>
@@ -14,6 +17,9 @@ int s_pipe[2] = {-1, -1};
 
 extern "C" void forwardSignal(int signalNumber)
 {
+    // Long work on the main thread (an image being read) gives up at its next check,
+    // so that the event loop, and with it the quit, comes promptly.
+    StopRequest::request();
     const char byte = static_cast<char>(signalNumber);
     [[maybe_unused]] const ssize_t written = ::write(s_pipe[1], &byte, 1);
 }
@@ -35,14 +41,17 @@ TerminationSignals::TerminationSignals(QObject* parent)
     action.sa_handler = forwardSignal;
     sigemptyset(&action.sa_mask);
     action.sa_flags = SA_RESTART;
+    m_signals = terminationSignalsToHandle();
     for (int signalNumber : {SIGINT, SIGTERM, SIGHUP})
-        ::sigaction(signalNumber, &action, nullptr);
+        if (sigismember(&m_signals, signalNumber))
+            ::sigaction(signalNumber, &action, nullptr);
 }
 
 TerminationSignals::~TerminationSignals()
 {
     for (int signalNumber : {SIGINT, SIGTERM, SIGHUP})
-        ::signal(signalNumber, SIG_DFL);
+        if (sigismember(&m_signals, signalNumber))
+            ::signal(signalNumber, SIG_DFL);
     delete m_notifier;
     for (int& fd : s_pipe) {
         if (fd >= 0)

@@ -3,6 +3,7 @@
 
 #include "platform/stop_request.h"
 #include "platform/temporary_files.h"
+#include "platform/termination_signals.h"
 
 #include <cerrno>
 #include <cstring>
@@ -23,14 +24,7 @@ constexpr long kPollNanoseconds = 50'000'000;
 SignalWatcher::SignalWatcher(std::chrono::milliseconds grace)
     : m_grace(grace)
 {
-    sigemptyset(&m_signals);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        // A signal the caller chose to ignore (nohup, a background job) stays ignored.
-        struct sigaction current {};
-        if (sigaction(signal, nullptr, &current) == 0 && current.sa_handler == SIG_IGN)
-            continue;
-        sigaddset(&m_signals, signal);
-    }
+    m_signals = terminationSignalsToHandle();
     // Threads started from here on inherit the mask: only the watcher takes the signals.
     pthread_sigmask(SIG_BLOCK, &m_signals, nullptr);
     m_thread = std::thread([this] { watch(); });

@@ -2,7 +2,6 @@
 #include "render/windows/render_window.h"
 
 #include "model/morph_document.h"
-#include "render/output_path_check.h"
 #include "render/render_controller.h"
 #include "render/windows/progress_pie.h"
 #include "render/windows/render_scheduler.h"
@@ -234,10 +233,9 @@ void RenderWindow::save()
 
 bool RenderWindow::saveToPath(const QString& path)
 {
-    // Nothing is written over a device, into the document's package or onto its images.
-    QString target;
+    // The controllers refuse a device, the document's package and its images.
     QString reason;
-    if (checkOutputPath(m_document, path, &target, &reason) && saveRenderedFramesToPath(path, &reason))
+    if (saveRenderedFramesToPath(path, &reason))
         return true;
     RenderSaveDialog::showSaveFailedAlert(this, path, reason);
     return false;

@@ -35,11 +35,6 @@ struct GraphFree {
 };
 using GraphPtr = std::unique_ptr<AVFilterGraph, GraphFree>;
 
-MovieStatus ffmpegFailure(const std::string& step, int error)
-{
-    return MovieStatus::failure(error, step + ": " + ffmpegErrorText(error));
-}
-
 // The frame's place in hundredths of a second: frames keep the rate on average although
 // each delay is a whole number.
 int64_t framePts(std::size_t index, double framesPerSecond)

@@ -165,6 +165,11 @@ std::string ffmpegErrorText(int error)
     return text.data();
 }
 
+MovieStatus ffmpegFailure(const std::string& step, int error)
+{
+    return MovieStatus::failure(error, step + ": " + ffmpegErrorText(error));
+}
+
 bool isMovieCodecAvailable(FourCharCode codecType)
 {
     const std::optional<MovieCodecSetup> setup = movieCodecSetup(codecType);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "platform/movie/movie_status.h"
 #include "platform/movie/movie_time.h"
 
 extern "C" {
@@ -64,5 +65,7 @@ FourCharCode fourCharCodeFromTag(uint32_t codecTag);
 void initializeFfmpegLogging();
 /// FFmpeg's error text for an error number.
 std::string ffmpegErrorText(int error);
+/// A failure with FFmpeg's error number as its code and "STEP: error text" as message.
+MovieStatus ffmpegFailure(const std::string& step, int error);
 
 } // namespace plyra

@@ -22,11 +22,6 @@ void report(MovieStatus* status, MovieStatus value)
         *status = std::move(value);
 }
 
-MovieStatus ffmpegFailure(const char* what, int error)
-{
-    return MovieStatus::failure(error, formatString("%s: %s", what, ffmpegErrorText(error).c_str()));
-}
-
 // Straight alpha from premultiplied: the codecs that keep alpha store it unassociated.
 RgbaImage unpremultiplied(const RgbaImage& image)
 {

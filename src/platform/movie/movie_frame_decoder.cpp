@@ -15,11 +15,6 @@ extern "C" {
 namespace plyra {
 namespace {
 
-MovieStatus decodeFailure(const char* what, int error)
-{
-    return MovieStatus::failure(error, formatString("%s: %s", what, ffmpegErrorText(error).c_str()));
-}
-
 void premultiply(RgbaImage& image)
 {
     for (int y = 0; y < image.height(); ++y) {
@@ -67,7 +62,7 @@ MovieStatus MovieFrameDecoder::openCodec()
     if (result >= 0)
         result = avcodec_open2(m_context, codec, nullptr);
     if (result < 0)
-        return decodeFailure("Could not open the decoder", result);
+        return ffmpegFailure("Could not open the decoder", result);
     return MovieStatus::success();
 }
 
@@ -79,14 +74,14 @@ MovieStatus MovieFrameDecoder::send(size_t sampleIndex)
     av_packet_unref(m_packet);
     const int made = av_new_packet(m_packet, static_cast<int>(data.size()));
     if (made < 0)
-        return decodeFailure("Could not decode a frame", made);
+        return ffmpegFailure("Could not decode a frame", made);
     std::memcpy(m_packet->data, data.data(), data.size());
     const MovieSample& sample = m_media.sample(sampleIndex);
     m_packet->pts = m_packet->dts = sample.time;
     m_packet->flags = sample.sync ? AV_PKT_FLAG_KEY : 0;
     const int sent = avcodec_send_packet(m_context, m_packet);
     if (sent < 0)
-        return decodeFailure("Could not decode a frame", sent);
+        return ffmpegFailure("Could not decode a frame", sent);
     return MovieStatus::success();
 }
 
@@ -103,7 +98,7 @@ MovieStatus MovieFrameDecoder::receive(bool expectFrame)
     if (received == AVERROR(EAGAIN) && !expectFrame)
         return MovieStatus::success();
     if (received < 0)
-        return decodeFailure("Could not decode a frame", received);
+        return ffmpegFailure("Could not decode a frame", received);
     return MovieStatus::success();
 }
 

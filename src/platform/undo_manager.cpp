@@ -61,6 +61,10 @@ void UndoManager::endUndoGrouping()
             parent.entries.push_back(std::move(e));
         if (parent.name.empty())
             parent.name = group.name;
+        // An explicit group that outlived the pass of its automatic one: both close at
+        // the end of this pass.
+        if (m_autoGroupOpen && m_openGroups.size() == 1)
+            scheduleAutomaticClose();
         return;
     }
     m_autoGroupOpen = false;
@@ -82,19 +86,21 @@ std::vector<UndoManager::Group>& UndoManager::stackBeingBuilt()
 
 void UndoManager::scheduleAutomaticClose()
 {
+    if (m_closeScheduled)
+        return;
+    m_closeScheduled = true;
     // The group of this pass closes when the pass ends. The manager may be gone by then
     // (a closed document), hence the liveness flag.
     std::weak_ptr<bool> alive = m_alive;
     RunLoop::main().callAtEndOfPass([this, alive] {
         if (auto flag = alive.lock(); !flag || !*flag)
             return;
+        m_closeScheduled = false;
         // An explicit group opened in this pass (a mouse gesture spanning several
-        // passes) is still running inside the automatic one: close both at the end of
-        // the pass in which it ends, so that later changes do not join this step.
-        if (m_autoGroupOpen && m_openGroups.size() > 1)
-            scheduleAutomaticClose();
-        else
-            closeAutomaticGroup();
+        // passes) still runs inside the automatic one: endUndoGrouping() schedules the
+        // close again when it ends, so that later changes do not join this step, and
+        // nothing runs in the passes between.
+        closeAutomaticGroup();
     });
 }
 

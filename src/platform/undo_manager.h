@@ -90,6 +90,7 @@ private:
     int m_disableCount = 0;
     bool m_groupsByEvent = true;
     bool m_autoGroupOpen = false;
+    bool m_closeScheduled = false; // an end-of-pass close is pending
     std::function<void()> m_changed;
     std::shared_ptr<bool> m_alive;
     std::uint64_t m_nextGroupId = 1;

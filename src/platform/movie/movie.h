@@ -122,8 +122,9 @@ public:
     void setSelection(const MovieTimeRange& selection);
     MovieTime posterTime() const;
     void setPosterTime(const MovieTime& time);
-    /// Start times of the frames of the last video track (time scale 600), ascending.
-    std::vector<int64_t> frameTimes() const;
+    /// Start times of the frames of the last video track (time scale 600), ascending;
+    /// those of the frames from index `from` on.
+    std::vector<int64_t> frameTimes(size_t from = 0) const;
 
     // Idle processing: FFmpeg movies need none, so it cannot be switched.
     bool supportsIdling() const { return false; }

@@ -87,15 +87,15 @@ void Movie::setPosterTime(const MovieTime& time)
     m_playhead.setPosterTime(time.valueIn(kMovieTimeScale));
 }
 
-std::vector<int64_t> Movie::frameTimes() const
+std::vector<int64_t> Movie::frameTimes(size_t from) const
 {
     std::vector<int64_t> times;
     const MovieTrack* track = lastVideoTrack();
-    if (!track || !track->media())
+    if (!track || !track->media() || from >= track->media()->sampleCount())
         return times;
     const MovieMedia& media = *track->media();
-    times.reserve(media.sampleCount());
-    for (size_t i = 0; i < media.sampleCount(); ++i)
+    times.reserve(media.sampleCount() - from);
+    for (size_t i = from; i < media.sampleCount(); ++i)
         times.push_back(MovieTime{media.sample(i).time, media.timeScale(), 0}.valueIn(kMovieTimeScale));
     return times;
 }

@@ -20,8 +20,10 @@ bool MovieFrameTimes::refresh()
         return true;
     if (!m_writer->tryLock())
         return false;
+    // A movie being written only grows: only the frames appended since are new.
     const Movie& movie = m_writer->movie();
-    m_frameTimes = movie.frameTimes();
+    const std::vector<std::int64_t> appended = movie.frameTimes(m_frameTimes.size());
+    m_frameTimes.insert(m_frameTimes.end(), appended.begin(), appended.end());
     m_duration = movie.duration().valueIn(kMovieTimeScale);
     m_writer->unlock();
     return true;

@@ -131,14 +131,14 @@ void MoviePlayer::stepForward()
 {
     m_source.refresh();
     m_playhead.stepForward(m_source.frameTimes(), m_source.duration());
-    refresh();
+    showCurrentFrame();
 }
 
 void MoviePlayer::stepBackward()
 {
     m_source.refresh();
     m_playhead.stepBackward(m_source.frameTimes(), m_source.duration());
-    refresh();
+    showCurrentFrame();
 }
 
 void MoviePlayer::gotoBeginning()
@@ -160,7 +160,7 @@ void MoviePlayer::setCurrentTime(std::int64_t time)
     m_source.refresh();
     settlePlayhead();
     m_playhead.setCurrentTime(time, m_source.duration());
-    refresh();
+    showCurrentFrame();
 }
 
 std::int64_t MoviePlayer::currentTime() const
@@ -171,12 +171,15 @@ std::int64_t MoviePlayer::currentTime() const
 void MoviePlayer::refresh()
 {
     m_source.refresh();
+    showCurrentFrame();
+}
+
+void MoviePlayer::showCurrentFrame()
+{
     settlePlayhead();
     const std::optional<std::size_t> wanted = m_source.frameIndexAt(currentTime());
-    if (wanted && wanted != m_shown && wanted != m_requested) {
-        m_requested = wanted;
-        m_fetcher.request(static_cast<int>(*wanted), m_picture->size(), m_picture->preservesAspectRatio());
-    }
+    if (wanted && wanted != m_shown && wanted != m_requested)
+        requestFrame(*wanted);
     if (isPlaying())
         m_clock.start();
     else
@@ -193,6 +196,18 @@ void MoviePlayer::frameDecoded(int generation, int index, const QImage& image)
         return;
     m_picture->setImage(image);
     m_shown = static_cast<std::size_t>(index);
+    // Resized (or its aspect rule changed) while this frame was being made: it is
+    // wanted again as the picture is now.
+    if (m_requestedSize != m_picture->size() || m_requestedPreservingAspect != m_picture->preservesAspectRatio())
+        requestShownFrameAgain();
+}
+
+void MoviePlayer::requestFrame(std::size_t index)
+{
+    m_requested = index;
+    m_requestedSize = m_picture->size();
+    m_requestedPreservingAspect = m_picture->preservesAspectRatio();
+    m_fetcher.request(static_cast<int>(index), m_requestedSize, m_requestedPreservingAspect);
 }
 
 void MoviePlayer::updateControls()
@@ -227,8 +242,7 @@ void MoviePlayer::requestShownFrameAgain()
 {
     if (!m_shown || m_requested)
         return;
-    m_requested = m_shown;
-    m_fetcher.request(static_cast<int>(*m_shown), m_picture->size(), m_picture->preservesAspectRatio());
+    requestFrame(*m_shown);
 }
 
 void MoviePlayer::setPreservesAspectRatio(bool preserve)

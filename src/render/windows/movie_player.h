@@ -5,6 +5,7 @@
 #include "render/windows/movie_frame_fetcher.h"
 #include "render/windows/movie_frame_times.h"
 
+#include <QSize>
 #include <QTimer>
 #include <QWidget>
 
@@ -72,6 +73,10 @@ private:
     void sliderMoved(int value);
     void settlePlayhead();
     void requestShownFrameAgain();
+    /// Shows the frame of the current time as the frame times stand.
+    void showCurrentFrame();
+    /// Asks the fetcher for a frame at the picture's size.
+    void requestFrame(std::size_t index);
 
     void frameDecoded(int generation, int index, const QImage& image);
 
@@ -81,6 +86,9 @@ private:
     QTimer m_clock;
     std::optional<std::size_t> m_shown;
     std::optional<std::size_t> m_requested;
+    // How the picture wanted the frame when it was asked for.
+    QSize m_requestedSize;
+    bool m_requestedPreservingAspect = true;
     MoviePictureView* m_picture = nullptr;
     QWidget* m_bar = nullptr;
     QToolButton* m_playButton = nullptr;

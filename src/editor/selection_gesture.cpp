@@ -2,10 +2,8 @@
 #include "editor/selection_gesture.h"
 
 #include "editor/editor_commands.h"
+#include "editor/view_geometry.h"
 #include "model/morph_editor_data_source.h"
-
-#include <algorithm>
-#include <cmath>
 
 namespace plyra {
 
@@ -57,8 +55,7 @@ void SelectionGesture::begin(const GestureEvent& first)
 
 void SelectionGesture::dragTo(Point p)
 {
-    m_rect = {std::min(m_pressPoint.x, p.x), std::min(m_pressPoint.y, p.y), std::fabs(p.x - m_pressPoint.x),
-        std::fabs(p.y - m_pressPoint.y)};
+    m_rect = boxOf(m_pressPoint, p);
     const std::vector<MorphLine::Ptr> lines = m_context.dataSource->morphLines();
     for (const MorphLine::Ptr& line : lines)
         applyToLine(line);

@@ -69,7 +69,7 @@ void EditorPainter::paint(QPainter& painter, const QRegion& dirty, const EditorS
     if (scene.image)
         scene.image->draw(painter, dirty, viewSize, scene.visibleRect, scene.imageOpacity);
     if (!scene.hint.isEmpty())
-        paintHint(painter, scene);
+        paintHint(painter, dirty, scene);
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.translate(kPixelCentre, kPixelCentre);
@@ -140,10 +140,11 @@ void EditorPainter::paintSelectionRect(QPainter& painter, const EditorScene& sce
     painter.drawRect(scene.mapping.toWidget(scene.selectionRect));
 }
 
-void EditorPainter::paintHint(QPainter& painter, const EditorScene& scene)
+void EditorPainter::paintHint(QPainter& painter, const QRegion& dirty, const EditorScene& scene)
 {
+    // Laying out the wrapped text is the costly part: not for a repaint elsewhere.
     const QRectF rect = hintRect(scene.mapping);
-    if (rect.width() <= 0.0 || rect.height() <= 0.0)
+    if (rect.width() <= 0.0 || rect.height() <= 0.0 || !dirty.intersects(rect.toAlignedRect()))
         return;
     painter.setFont(hintFont());
     painter.setPen(scene.hintColor);

@@ -68,7 +68,7 @@ private:
     void paintLines(QPainter& painter, const QRegion& dirty, const EditorScene& scene);
     void paintKnobs(QPainter& painter, const LineEnds& ends, const EditorScene& scene);
     void paintSelectionRect(QPainter& painter, const EditorScene& scene);
-    void paintHint(QPainter& painter, const EditorScene& scene);
+    void paintHint(QPainter& painter, const QRegion& dirty, const EditorScene& scene);
 
     KnobImages m_knobs;
 };

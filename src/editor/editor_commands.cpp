@@ -94,7 +94,7 @@ void EditorCommands::deleteSelectedLines()
 {
     std::vector<MorphLine::Ptr> doomed;
     for (const MorphLine::Ptr& line : m_dataSource.morphLines())
-        if (indexOfLine(m_dataSource.selectedLines(), line.get()) < m_dataSource.selectedLines().size())
+        if (m_dataSource.isLineSelected(line.get()))
             doomed.push_back(line);
     for (const MorphLine::Ptr& line : doomed) {
         const std::size_t index = indexOfLine(m_dataSource.morphLines(), line.get());
@@ -112,15 +112,12 @@ void EditorCommands::selectAll()
 
 void EditorCommands::selectNone()
 {
-    while (!m_dataSource.selectedLines().empty())
-        m_dataSource.removeObjectFromSelectedLinesAtIndex(m_dataSource.selectedLines().size() - 1);
+    m_dataSource.setSelectedLines({});
 }
 
 void EditorCommands::selectAttachedLines()
 {
-    auto isSelected = [this](const MorphLine::Ptr& line) {
-        return indexOfLine(m_dataSource.selectedLines(), line.get()) < m_dataSource.selectedLines().size();
-    };
+    auto isSelected = [this](const MorphLine::Ptr& line) { return m_dataSource.isLineSelected(line.get()); };
     bool added = true;
     while (added) {
         added = false;
@@ -166,7 +163,7 @@ void EditorCommands::selectLinesNear(Point p, bool toggle, bool deselectFarLines
     const std::vector<MorphLine::Ptr> lines = m_dataSource.morphLines();
     for (const MorphLine::Ptr& line : lines) {
         const LineEnds ends = m_mapping.lineEnds(*line, m_track);
-        const bool selected = indexOfLine(m_dataSource.selectedLines(), line.get()) < m_dataSource.selectedLines().size();
+        const bool selected = m_dataSource.isLineSelected(line.get());
         if (squaredDistanceToSegment(p, ends.start, ends.end) <= kHitToleranceSquared) {
             if (toggle && selected)
                 deselect(line);

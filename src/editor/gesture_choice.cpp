@@ -30,7 +30,7 @@ std::unique_ptr<EditorGesture> chooseLeftButtonGesture(const EditorContext& cont
     if (squaredDistance(p, ends.end) <= kHitToleranceSquared)
         return std::make_unique<DragPointGesture>(context, press, line, DragPointGesture::End::End);
     const std::vector<MorphLine::Ptr>& selection = dataSource.selectedLines();
-    std::vector<MorphLine::Ptr> moving = indexOfLine(selection, line.get()) < selection.size()
+    std::vector<MorphLine::Ptr> moving = dataSource.isLineSelected(line.get())
         ? selection
         : std::vector<MorphLine::Ptr>{line};
     return std::make_unique<MoveLinesGesture>(context, press, ends.start, std::move(moving));

@@ -53,7 +53,7 @@ public:
     void deleteMorphLine(const MorphLine::Ptr& line);
 
     const std::vector<MorphLine::Ptr>& selectedLines() const override { return m_selectedLines; }
-    bool isLineSelected(const MorphLine* line) const;
+    bool isLineSelected(const MorphLine* line) const override;
     /// Does nothing for a line that is already selected.
     void insertObjectInSelectedLinesAtIndex(const MorphLine::Ptr& line, std::size_t index) override;
     /// Does nothing for an index not below the selection's count.

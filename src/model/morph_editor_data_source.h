@@ -27,6 +27,7 @@ public:
 
     virtual const std::vector<MorphLine::Ptr>& morphLines() const = 0;
     virtual const std::vector<MorphLine::Ptr>& selectedLines() const = 0;
+    virtual bool isLineSelected(const MorphLine* line) const = 0;
     virtual LineColor::Ptr lineColor() const = 0;
     /// Track 0 for 0, track 1 for any other value; nothing when the track has no image.
     virtual std::optional<DisplayImage> imageInTrack(unsigned track) const = 0;

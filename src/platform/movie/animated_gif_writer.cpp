@@ -59,12 +59,9 @@ FramePtr filterFrame(const RgbaImage& image, int64_t pts)
         uint8_t* target = frame->data[0] + static_cast<std::ptrdiff_t>(y) * frame->linesize[0];
         for (int x = 0; x < image.width(); ++x, source += 4, target += 4) {
             const unsigned alpha = source[3];
-            const auto straight = [alpha](unsigned c) {
-                return static_cast<uint8_t>(alpha == 0 ? 0 : std::min(255u, (c * 255u + alpha / 2) / alpha));
-            };
-            target[0] = straight(source[2]);
-            target[1] = straight(source[1]);
-            target[2] = straight(source[0]);
+            target[0] = unpremultipliedChannel(source[2], alpha);
+            target[1] = unpremultipliedChannel(source[1], alpha);
+            target[2] = unpremultipliedChannel(source[0], alpha);
             target[3] = static_cast<uint8_t>(alpha);
         }
     }

@@ -33,7 +33,7 @@ RgbaImage unpremultiplied(const RgbaImage& image)
             if (alpha == 255)
                 continue;
             for (int c = 0; c < 3; ++c)
-                p[c] = alpha == 0 ? 0 : static_cast<uint8_t>(std::min(255u, (p[c] * 255u + alpha / 2) / alpha));
+                p[c] = unpremultipliedChannel(p[c], alpha);
         }
     }
     return result;

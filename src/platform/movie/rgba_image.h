@@ -1,11 +1,21 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
 namespace plyra {
+
+/// A premultiplied colour channel as straight (unassociated) alpha wants it, rounded;
+/// opaque pixels keep their value and transparent ones become 0.
+inline uint8_t unpremultipliedChannel(unsigned channel, unsigned alpha)
+{
+    if (alpha == 255)
+        return static_cast<uint8_t>(channel);
+    return alpha == 0 ? 0 : static_cast<uint8_t>(std::min(255u, (channel * 255u + alpha / 2) / alpha));
+}
 
 /// An owned 8-bit RGBA picture as the renderer produces it: premultiplied alpha, rows
 /// stored bottom row first (origin bottom left). Movies take frames in this form and

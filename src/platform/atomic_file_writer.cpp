@@ -2,7 +2,6 @@
 #include "platform/atomic_file_writer.h"
 
 #include "platform/output_path_guard.h"
-#include "platform/side_file.h"
 
 #include <cerrno>
 #include <cstring>
@@ -43,21 +42,36 @@ bool AtomicFileWriter::write(const std::string& path, const void* data, std::siz
     const std::optional<std::string> target = OutputPathGuard().check(path, error);
     if (!target)
         return false;
-    SideFile side(*target);
-    if (side.path().empty())
+    const std::unique_ptr<SideFile> side = stage(*target, data, size, error);
+    if (!side)
+        return false;
+    if (!side->commit(*target))
         return fail(error, std::strerror(errno));
-    const int fd = ::open(side.path().c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC | O_NOFOLLOW);
-    if (fd < 0)
-        return fail(error, std::strerror(errno));
+    return true;
+}
+
+std::unique_ptr<SideFile> AtomicFileWriter::stage(const std::string& target, const void* data, std::size_t size,
+                                                  std::string* error)
+{
+    auto side = std::make_unique<SideFile>(target);
+    if (side->path().empty()) {
+        fail(error, std::strerror(errno));
+        return nullptr;
+    }
+    const int fd = ::open(side->path().c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC | O_NOFOLLOW);
+    if (fd < 0) {
+        fail(error, std::strerror(errno));
+        return nullptr;
+    }
     int failure = writeAll(fd, static_cast<const char*>(data), size);
     // Some file systems report a full disk only when the file is closed.
     if (::close(fd) != 0 && failure == 0)
         failure = errno;
-    if (failure != 0)
-        return fail(error, std::strerror(failure));
-    if (!side.commit(*target))
-        return fail(error, std::strerror(errno));
-    return true;
+    if (failure != 0) {
+        fail(error, std::strerror(failure));
+        return nullptr;
+    }
+    return side;
 }
 
 } // namespace plyra

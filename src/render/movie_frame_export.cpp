@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "render/movie_frame_export.h"
 
+#include "platform/atomic_file_writer.h"
 #include "platform/movie/animated_gif_writer.h"
 #include "platform/movie/movie.h"
 #include "platform/movie/movie_frame_decoder.h"
@@ -42,21 +43,11 @@ QImage imageFromFrame(const RgbaImage& frame)
 /// Writes bytes into a side file beside target; the side file, or none with the reason.
 std::unique_ptr<SideFile> writeBeside(const QString& target, const QByteArray& bytes, QString* error)
 {
-    auto side = std::make_unique<SideFile>(QFile::encodeName(target).toStdString());
-    if (side->path().empty()) {
-        fail(error, QStringLiteral("cannot write beside '%1': %2").arg(target, QString::fromLocal8Bit(std::strerror(errno))));
-        return nullptr;
-    }
-    QFile file(QFile::decodeName(side->path().c_str()));
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(bytes) != bytes.size() || !file.flush()) {
-        fail(error, QStringLiteral("cannot write '%1': %2").arg(target, file.errorString()));
-        return nullptr;
-    }
-    file.close();
-    if (file.error() != QFileDevice::NoError) {
-        fail(error, QStringLiteral("cannot write '%1': %2").arg(target, file.errorString()));
-        return nullptr;
-    }
+    std::string reason;
+    std::unique_ptr<SideFile> side = AtomicFileWriter::stage(QFile::encodeName(target).toStdString(), bytes.constData(),
+                                                             static_cast<std::size_t>(bytes.size()), &reason);
+    if (!side)
+        fail(error, QStringLiteral("cannot write '%1': %2").arg(target, QString::fromStdString(reason)));
     return side;
 }
 

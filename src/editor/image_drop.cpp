@@ -1,20 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "editor/image_drop.h"
 
-#include "model/pdf_image.h"
-#include "model/tiff_io.h"
+#include "model/display_image.h"
 
-#include <QFile>
 #include <QFileInfo>
-#include <QImageReader>
 #include <QMimeData>
 #include <QStringList>
 #include <QUrl>
 
 namespace plyra {
 namespace {
-
-constexpr qint64 kSignatureBytes = 1024;
 
 std::optional<QString> fail(QString* reason, const QString& text)
 {
@@ -54,24 +49,17 @@ std::optional<QString> ImageDrop::droppedFile(const QMimeData& data, QString* re
 
 bool ImageDrop::looksLikeImage(const QString& path, QString* reason)
 {
-    const QFileInfo info(path);
-    const QString name = info.fileName();
-    if (!info.exists()) {
+    // The document's own test, so that a drag is welcome exactly when the drop loads.
+    FileProblem problem = FileProblem::None;
+    if (DisplayImage::looksLoadable(path, &problem))
+        return true;
+    const QString name = QFileInfo(path).fileName();
+    if (problem == FileProblem::Missing)
         fail(reason, tr("“%1” does not exist.").arg(name));
-        return false;
-    }
-    QFile file(path);
-    if (!info.isFile() || !file.open(QIODevice::ReadOnly)) {
+    else if (problem == FileProblem::Damaged || problem == FileProblem::Empty)
+        fail(reason, tr("“%1” is not an image that Plyra can read.").arg(name));
+    else
         fail(reason, tr("“%1” cannot be read.").arg(name));
-        return false;
-    }
-    const QByteArray head = file.peek(kSignatureBytes);
-    if (PdfImage::hasPdfSignature(head) || TiffIo::hasTiffSignature(head))
-        return true;
-    QImageReader reader(&file);
-    if (reader.canRead())
-        return true;
-    fail(reason, tr("“%1” is not an image that Plyra can read.").arg(name));
     return false;
 }
 

@@ -113,18 +113,37 @@ std::optional<DisplayImage> loadWithReader(RegularFile& file, ImageLoadFailure* 
     return DisplayImage{raster, {}};
 }
 
-std::optional<DisplayImage> loadChecked(const QString& path, ImageLoadFailure* failure)
+enum class ImageKind { Pdf, Tiff, Other };
+
+// The file opened as load() opens it, and the reader its first bytes call for.
+std::optional<RegularFile> openImageFile(const QString& path, ImageKind* kind, ImageLoadFailure* failure)
 {
     FileReadError error;
     std::optional<RegularFile> file = RegularFile::open(QFile::encodeName(path).toStdString(), kMaxImageFileBytes, &error);
-    if (!file)
-        return failWith(failure, error);
+    if (!file) {
+        failWith(failure, error);
+        return std::nullopt;
+    }
     const QByteArray head = signature(*file);
-    if (head.isEmpty())
-        return fail(failure, FileProblem::Unreadable, text("the file cannot be read"));
-    if (PdfImage::hasPdfSignature(head))
+    if (head.isEmpty()) {
+        fail(failure, FileProblem::Unreadable, text("the file cannot be read"));
+        return std::nullopt;
+    }
+    *kind = PdfImage::hasPdfSignature(head) ? ImageKind::Pdf
+        : TiffIo::hasTiffSignature(head)    ? ImageKind::Tiff
+                                            : ImageKind::Other;
+    return file;
+}
+
+std::optional<DisplayImage> loadChecked(const QString& path, ImageLoadFailure* failure)
+{
+    ImageKind kind = ImageKind::Other;
+    std::optional<RegularFile> file = openImageFile(path, &kind, failure);
+    if (!file)
+        return std::nullopt;
+    if (kind == ImageKind::Pdf)
         return loadPdf(*file, failure);
-    if (TiffIo::hasTiffSignature(head)) {
+    if (kind == ImageKind::Tiff) {
         file.reset();
         return loadTiff(path, failure);
     }
@@ -132,6 +151,24 @@ std::optional<DisplayImage> loadChecked(const QString& path, ImageLoadFailure* f
 }
 
 } // namespace
+
+bool DisplayImage::looksLoadable(const QString& path, FileProblem* problem)
+{
+    ImageLoadFailure failure;
+    ImageKind kind = ImageKind::Other;
+    std::optional<RegularFile> file = openImageFile(path, &kind, &failure);
+    bool loadable = file.has_value();
+    if (file && kind == ImageKind::Other) {
+        // Only the header, as QImageReader judges it.
+        QFile device;
+        loadable = device.open(file->release(), QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)
+            && QImageReader(&device).canRead();
+        failure.problem = FileProblem::Damaged;
+    }
+    if (problem)
+        *problem = loadable ? FileProblem::None : failure.problem;
+    return loadable;
+}
 
 std::optional<DisplayImage> DisplayImage::load(const QString& path, ImageLoadFailure* failure)
 {

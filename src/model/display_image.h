@@ -38,6 +38,10 @@ struct DisplayImage {
     /// Nothing, and why in failure, when the file gives no image; a stop request between
     /// the stages of a large load gives FileProblem::Interrupted. Never throws.
     static std::optional<DisplayImage> load(const QString& path, ImageLoadFailure* failure = nullptr);
+    /// Whether load() would take the file up, judged as cheaply as a drag needs: the
+    /// same file checks and the same choice of reader by the file's first bytes, without
+    /// decoding. FileProblem::Damaged in problem for a file that is no image we read.
+    static bool looksLoadable(const QString& path, FileProblem* problem = nullptr);
 };
 
 } // namespace plyra

@@ -3,6 +3,8 @@
 
 #include "model/morph_document.h"
 
+#include <algorithm>
+
 namespace plyra {
 
 RenderController::RenderController(MorphDocument& document)
@@ -90,7 +92,10 @@ void RenderController::stop()
 
 float RenderController::progress() const
 {
-    const float lastJobProgress = m_morphJobs.empty() ? 1.0f : m_morphJobs.back()->progress();
+    // A job the workers have finished is not a result until a tick has taken its frame:
+    // until then the render is not complete (and Save would save the frame before).
+    constexpr float kFinishedNotTaken = 0.999f;
+    const float lastJobProgress = m_morphJobs.empty() ? 1.0f : std::min(m_morphJobs.back()->progress(), kFinishedNotTaken);
     return renderProgress(m_settings.numberOfFrames(), m_morphJobs.size() + framesNotQueued(), lastJobProgress);
 }
 

@@ -4,22 +4,18 @@
 <context>
     <name>ImageDrop</name>
     <message>
-        <location filename="../../src/editor/image_drop.cpp" line="41"/>
         <source>Only files on this computer can be dropped here.</source>
         <translation>Hier können nur Dateien von diesem Computer abgelegt werden.</translation>
     </message>
     <message>
-        <location filename="../../src/editor/image_drop.cpp" line="60"/>
         <source>“%1” does not exist.</source>
         <translation>„%1“ existiert nicht.</translation>
     </message>
     <message>
-        <location filename="../../src/editor/image_drop.cpp" line="65"/>
         <source>“%1” cannot be read.</source>
         <translation>„%1“ kann nicht gelesen werden.</translation>
     </message>
     <message>
-        <location filename="../../src/editor/image_drop.cpp" line="74"/>
         <source>“%1” is not an image that Plyra can read.</source>
         <translation>„%1“ ist kein Bild, das Plyra lesen kann.</translation>
     </message>
@@ -27,7 +23,6 @@
 <context>
     <name>UndoAction</name>
     <message>
-        <location filename="../../src/editor/draw_lines_gesture.cpp" line="50"/>
         <source>Create lines</source>
         <translation>Linien erstellen</translation>
     </message>
@@ -35,27 +30,22 @@
 <context>
     <name>plyra::MorphEditor</name>
     <message>
-        <location filename="../../src/editor/morph_editor.cpp" line="27"/>
         <source>Line editor</source>
         <translation>Linieneditor</translation>
     </message>
     <message>
-        <location filename="../../src/editor/morph_editor.cpp" line="28"/>
         <source>Shows one image of the morph with its lines. Click or drag to draw lines, drag a point or a line to move it, drag with the right button to select lines; arrow keys move the selected lines, Delete removes them. Drop an image file here to use it.</source>
         <translation>Zeigt ein Bild der Überblendung mit seinen Linien. Klicken oder ziehen Sie, um Linien zu zeichnen, ziehen Sie einen Punkt oder eine Linie, um sie zu verschieben, ziehen Sie mit der rechten Maustaste, um Linien auszuwählen; die Pfeiltasten verschieben die ausgewählten Linien, Entf löscht sie. Legen Sie hier eine Bilddatei ab, um sie zu verwenden.</translation>
     </message>
     <message>
-        <location filename="../../src/editor/morph_editor.cpp" line="142"/>
         <source>Drop an image here, or leave blank to just distort the first image.</source>
         <translation>Legen Sie hier ein Bild ab, oder lassen Sie das Feld leer, um nur das erste Bild zu verzerren.</translation>
     </message>
     <message>
-        <location filename="../../src/editor/morph_editor.cpp" line="143"/>
         <source>Drop an image here.</source>
         <translation>Legen Sie hier ein Bild ab.</translation>
     </message>
     <message>
-        <location filename="../../src/editor/morph_editor_commands.cpp" line="186"/>
         <source>“%1” could not be used as the image: %2</source>
         <translation>„%1“ konnte nicht als Bild verwendet werden: %2</translation>
     </message>

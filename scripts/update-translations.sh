@@ -23,6 +23,7 @@ update app src/app
 update editor src/editor
 update inspector src/inspector
 update render src/render/windows
+update widgets src/widgets
 
 if [[ ${1:-} == --check ]]; then
     missing=$(grep -B2 'type="unfinished"' "$target"/*.ts | grep -o '<source>.*</source>' || true)

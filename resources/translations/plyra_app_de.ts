@@ -357,6 +357,14 @@
         <source>&amp;About Plyra</source>
         <translation>&amp;Über Plyra</translation>
     </message>
+    <message>
+        <source>Show &amp;Inspector</source>
+        <translation>&amp;Inspektor zeigen</translation>
+    </message>
+    <message>
+        <source>Show &amp;Colours</source>
+        <translation>&amp;Farben einblenden</translation>
+    </message>
 </context>
 <context>
     <name>main</name>
@@ -406,29 +414,6 @@
     <message>
         <source>A document of that name is open in another window.</source>
         <translation>Ein Dokument dieses Namens ist in einem anderen Fenster geöffnet.</translation>
-    </message>
-</context>
-<context>
-    <name>plyra::DocumentToolbar</name>
-    <message>
-        <source>Toolbar</source>
-        <translation>Werkzeugleiste</translation>
-    </message>
-    <message>
-        <source>Customize Toolbar…</source>
-        <translation>Werkzeugleiste anpassen …</translation>
-    </message>
-    <message>
-        <source>Flexible Space</source>
-        <translation>Flexibler Abstand</translation>
-    </message>
-    <message>
-        <source>Space</source>
-        <translation>Abstand</translation>
-    </message>
-    <message>
-        <source>Separator</source>
-        <translation>Trennlinie</translation>
     </message>
 </context>
 <context>
@@ -516,33 +501,6 @@
     <message>
         <source>&lt;h3&gt;Plyra %1&lt;/h3&gt;&lt;p&gt;Morphs one still image into another through pairs of corresponding lines.&lt;/p&gt;&lt;p&gt;Licensed under the MIT licence.&lt;/p&gt;</source>
         <translation>&lt;h3&gt;Plyra %1&lt;/h3&gt;&lt;p&gt;Verwandelt ein Standbild über Paare einander entsprechender Linien in ein anderes.&lt;/p&gt;&lt;p&gt;Lizenziert unter der MIT-Lizenz.&lt;/p&gt;</translation>
-    </message>
-</context>
-<context>
-    <name>plyra::ToolbarCustomizeDialog</name>
-    <message>
-        <source>Customize Toolbar</source>
-        <translation>Werkzeugleiste anpassen</translation>
-    </message>
-    <message>
-        <source>Toolbar items</source>
-        <translation>Elemente der Werkzeugleiste</translation>
-    </message>
-    <message>
-        <source>Move Up</source>
-        <translation>Nach oben</translation>
-    </message>
-    <message>
-        <source>Move Down</source>
-        <translation>Nach unten</translation>
-    </message>
-    <message>
-        <source>Restore Defaults</source>
-        <translation>Standard wiederherstellen</translation>
-    </message>
-    <message>
-        <source>Choose the items of the toolbar and their order:</source>
-        <translation>Wählen Sie die Elemente der Werkzeugleiste und ihre Reihenfolge:</translation>
     </message>
 </context>
 </TS>

@@ -325,10 +325,6 @@
 <context>
     <name>plyra::RenderToolbar</name>
     <message>
-        <source>Toolbar</source>
-        <translation>Werkzeugleiste</translation>
-    </message>
-    <message>
         <source>Progress</source>
         <translation>Fortschritt</translation>
     </message>

@@ -142,7 +142,7 @@ void MorphEditorWindowController::keepBarsSolid()
     QPalette solid = QApplication::palette(this);
     solid.setColor(QPalette::Window, solid.color(QPalette::Window)); // set, not inherited
     menuBar()->setPalette(solid);
-    m_toolbar->toolBar()->setPalette(solid);
+    m_toolbar->setPalette(solid);
 }
 
 void MorphEditorWindowController::buildEditors()
@@ -202,6 +202,8 @@ void MorphEditorWindowController::buildActions()
     a.setHandler(Command::CustomizeToolbar, [this] { m_toolbar->customize(); });
     a.setHandler(Command::TogglePreview, [this] { togglePreviewDrawer(); });
     a.setHandler(Command::ToggleInspector, [this] { toggleInspectorPanel(); });
+    a.setHandler(Command::ShowInspector, [this] { showInspectorPanel(); });
+    a.setHandler(Command::ShowColors, [this] { m_toolbar->lineColorWell()->click(); });
     a.setHandler(Command::RenderImage, [this] { showFrameWindow(); });
     a.setHandler(Command::RenderMovie, [this] { showMovieWindow(); });
     a.setHandler(Command::HelpContents, [this] { m_commands.showHelp(QStringLiteral("index")); });
@@ -230,20 +232,8 @@ void MorphEditorWindowController::buildActions()
 
 void MorphEditorWindowController::buildToolbar()
 {
-    m_toolbar = new DocumentToolbar(this);
-    DocumentToolbar& t = *m_toolbar;
-    t.setHandler(QStringLiteral("togglePreviewDrawer"), [this] { togglePreviewDrawer(); });
-    t.setHandler(QStringLiteral("inspector"), [this] { showInspectorPanel(); });
-    t.setHandler(QStringLiteral("showMorphFrameWindow"), [this] { showFrameWindow(); });
-    t.setHandler(QStringLiteral("showMorphMovieWindow"), [this] { showMovieWindow(); });
-    t.setHandler(QStringLiteral("zoomIn"), [this] { zoomInEditors(); });
-    t.setHandler(QStringLiteral("zoomOut"), [this] { zoomOutEditors(); });
-    t.setHandler(QStringLiteral("center"), [this] { centerSelection(); });
-    t.setEnabledRule(QStringLiteral("showMorphFrameWindow"), [this] { return canRender(); });
-    t.setEnabledRule(QStringLiteral("showMorphMovieWindow"), [this] { return canRender(); });
-    for (const char* zoomOrCenter : {"zoomIn", "zoomOut", "center"})
-        t.setEnabledRule(QLatin1String(zoomOrCenter), [this] { return hasAnyImage(); });
-    connect(t.lineColorWell(), &LineColorWell::colorChosen, this, &MorphEditorWindowController::lineColorChosen);
+    m_toolbar = new DocumentToolbar(this, *m_actions);
+    connect(m_toolbar->lineColorWell(), &LineColorWell::colorChosen, this, &MorphEditorWindowController::lineColorChosen);
 }
 
 void MorphEditorWindowController::observeDocument()
@@ -296,7 +286,6 @@ void MorphEditorWindowController::refreshState()
 {
     fitEditorsToNewImages();
     m_actions->refresh();
-    m_toolbar->validate();
     m_toolbar->lineColorWell()->setColor(m_document->lineColor()->toQColor());
     updateUndoTitles();
     setWindowModified(isDocumentEdited());
@@ -472,6 +461,11 @@ std::optional<float> MorphEditorWindowController::frameWindowTime() const
     if (!m_frameWindow || !m_frameWindow->isVisible())
         return std::nullopt;
     return m_frameWindow->time();
+}
+
+QList<QAction*> MorphEditorWindowController::editActions() const
+{
+    return {m_actions->action(Command::Undo), m_actions->action(Command::Redo)};
 }
 
 MorphEditor* MorphEditorWindowController::focusedEditor() const

@@ -72,6 +72,7 @@ public:
     UndoManager* documentUndoManager() override;
     bool documentHasBothImages() const override;
     std::optional<float> frameWindowTime() const override;
+    QList<QAction*> editActions() const override;
 
     /// The commands of the window, as its menus and toolbar run them.
     void zoomInEditors();

@@ -9,11 +9,9 @@
 #include "app/package_file_dialog.h"
 #include "app/update_alerts.h"
 #include "inspector/inspector_controller.h"
-#include "inspector/inspector_panel.h"
 #include "model/morph_document.h"
 #include "platform/qt/qt_run_loop.h"
 
-#include <QAction>
 #include <QApplication>
 #include <QFileInfo>
 #include <QIcon>
@@ -25,7 +23,7 @@
 namespace plyra {
 namespace {
 
-const char* const kTranslationAreas[] = {"plyra_app", "plyra_editor", "plyra_render", "plyra_inspector"};
+const char* const kTranslationAreas[] = {"plyra_app", "plyra_editor", "plyra_render", "plyra_inspector", "plyra_widgets"};
 
 // The language installTranslations() chose; the help is shown in it.
 QString s_interfaceLanguage = QStringLiteral("en");
@@ -96,21 +94,6 @@ void PlyraApplication::connectInspector()
 {
     InspectorController* inspector = InspectorController::sharedInspectorController();
     connect(inspector, &InspectorController::helpRequested, this, &PlyraApplication::showHelp);
-    // Undo and redo reach the document in front also while the panel has the focus.
-    QWidget* panel = inspector->panel();
-    auto forward = [inspector](void (MorphEditorWindowController::*command)()) {
-        return [inspector, command] {
-            if (auto* window = qobject_cast<MorphEditorWindowController*>(inspector->mainDocumentWindow()))
-                (window->*command)();
-        };
-    };
-    auto* undo = new QAction(this);
-    undo->setShortcut(QKeySequence::Undo);
-    connect(undo, &QAction::triggered, this, forward(&MorphEditorWindowController::undo));
-    auto* redo = new QAction(this);
-    redo->setShortcut(QKeySequence::Redo);
-    connect(redo, &QAction::triggered, this, forward(&MorphEditorWindowController::redo));
-    panel->addActions({undo, redo});
 }
 
 PlyraApplication::~PlyraApplication()

@@ -15,8 +15,15 @@ struct CommandInfo {
     const char* objectName;
     const char* text;
     QKeySequence shortcut;
+    // A name from the icon theme, or one of our resources (":/…").
     const char* icon = nullptr;
 };
+
+QIcon commandIcon(const char* icon)
+{
+    const QString name = QLatin1String(icon);
+    return name.startsWith(QLatin1Char(':')) ? QIcon(name) : QIcon::fromTheme(name);
+}
 
 // Texts are the English keys of the "WindowActions" context.
 const std::vector<CommandInfo>& commandTable()
@@ -37,14 +44,16 @@ const std::vector<CommandInfo>& commandTable()
         {Command::SelectAll, "selectAll", QT_TRANSLATE_NOOP("WindowActions", "Select &All"), QKeySequence::SelectAll, "edit-select-all"},
         {Command::SelectNone, "selectNone", QT_TRANSLATE_NOOP("WindowActions", "Select &None"), QKeySequence(QStringLiteral("Ctrl+Shift+A"))},
         {Command::SelectAttached, "selectAttached", QT_TRANSLATE_NOOP("WindowActions", "Select A&ttached Lines"), QKeySequence(QStringLiteral("Ctrl+Shift+E"))},
-        {Command::ZoomIn, "zoomIn", QT_TRANSLATE_NOOP("WindowActions", "Zoom &In"), QKeySequence::ZoomIn, "zoom-in"},
-        {Command::ZoomOut, "zoomOut", QT_TRANSLATE_NOOP("WindowActions", "Zoom &Out"), QKeySequence::ZoomOut, "zoom-out"},
-        {Command::CenterSelection, "centerSelection", QT_TRANSLATE_NOOP("WindowActions", "&Center Selection"), QKeySequence(QStringLiteral("Ctrl+E"))},
-        {Command::TogglePreview, "togglePreview", QT_TRANSLATE_NOOP("WindowActions", "&Preview"), QKeySequence(QStringLiteral("Ctrl+Shift+P"))},
+        {Command::ZoomIn, "zoomIn", QT_TRANSLATE_NOOP("WindowActions", "Zoom &In"), QKeySequence::ZoomIn, ":/app/icons/zoomIn.svg"},
+        {Command::ZoomOut, "zoomOut", QT_TRANSLATE_NOOP("WindowActions", "Zoom &Out"), QKeySequence::ZoomOut, ":/app/icons/zoomOut.svg"},
+        {Command::CenterSelection, "centerSelection", QT_TRANSLATE_NOOP("WindowActions", "&Center Selection"), QKeySequence(QStringLiteral("Ctrl+E")), ":/app/icons/center.svg"},
+        {Command::TogglePreview, "togglePreview", QT_TRANSLATE_NOOP("WindowActions", "&Preview"), QKeySequence(QStringLiteral("Ctrl+Shift+P")), ":/app/icons/showdrawer.svg"},
         {Command::ToggleInspector, "toggleInspector", QT_TRANSLATE_NOOP("WindowActions", "&Inspector"), QKeySequence(QStringLiteral("Ctrl+I"))},
+        {Command::ShowInspector, "showInspector", QT_TRANSLATE_NOOP("WindowActions", "Show &Inspector"), QKeySequence(), ":/app/icons/inspector.svg"},
+        {Command::ShowColors, "showColors", QT_TRANSLATE_NOOP("WindowActions", "Show &Colours"), QKeySequence(), ":/app/icons/colors.svg"},
         {Command::CustomizeToolbar, "customizeToolbar", QT_TRANSLATE_NOOP("WindowActions", "Customize &Toolbar…"), QKeySequence()},
-        {Command::RenderImage, "renderImage", QT_TRANSLATE_NOOP("WindowActions", "Render &Image…"), QKeySequence(QStringLiteral("Ctrl+R"))},
-        {Command::RenderMovie, "renderMovie", QT_TRANSLATE_NOOP("WindowActions", "Render &Movie…"), QKeySequence(QStringLiteral("Ctrl+Shift+R"))},
+        {Command::RenderImage, "renderImage", QT_TRANSLATE_NOOP("WindowActions", "Render &Image…"), QKeySequence(QStringLiteral("Ctrl+R")), ":/app/icons/renderframe.svg"},
+        {Command::RenderMovie, "renderMovie", QT_TRANSLATE_NOOP("WindowActions", "Render &Movie…"), QKeySequence(QStringLiteral("Ctrl+Shift+R")), ":/app/icons/rendermovie.svg"},
         {Command::HelpContents, "helpContents", QT_TRANSLATE_NOOP("WindowActions", "Plyra &Help"), QKeySequence::HelpContents, "help-contents"},
         {Command::HelpGettingStarted, "helpGettingStarted", QT_TRANSLATE_NOOP("WindowActions", "&Getting Started"), QKeySequence()},
         {Command::HelpEditors, "helpEditors", QT_TRANSLATE_NOOP("WindowActions", "The Line &Editors"), QKeySequence()},
@@ -66,7 +75,7 @@ WindowActions::WindowActions(QWidget* window)
         action->setObjectName(QLatin1String(info.objectName));
         action->setShortcut(info.shortcut);
         if (info.icon)
-            action->setIcon(QIcon::fromTheme(QLatin1String(info.icon)));
+            action->setIcon(commandIcon(info.icon));
         // Shortcuts belong to their window: the inspector panel keeps its own keys.
         action->setShortcutContext(Qt::WindowShortcut);
         window->addAction(action);

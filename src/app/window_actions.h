@@ -11,18 +11,19 @@ class QWidget;
 
 namespace plyra {
 
-/// Every command of a document window's menus.
+/// Every command of a document window, in its menus, its toolbar or both.
 enum class Command {
     NewDocument, Open, ChooseFirstImage, ChooseLastImage, Close, Save, SaveAs, Revert, Quit,
     Undo, Redo, Delete, SelectAll, SelectNone, SelectAttached,
-    ZoomIn, ZoomOut, CenterSelection, TogglePreview, ToggleInspector, CustomizeToolbar,
+    ZoomIn, ZoomOut, CenterSelection, TogglePreview, ToggleInspector, ShowInspector, ShowColors, CustomizeToolbar,
     RenderImage, RenderMovie,
     HelpContents, HelpGettingStarted, HelpEditors, HelpTiming, HelpRendering, CheckForUpdates, About,
 };
 
-/// The table of a window's actions: each command's text, standard shortcut and icon in
-/// one place, what it does, and the rule that enables it. Menus and toolbars take their
-/// actions from here; refresh() applies every rule.
+/// The table of a window's actions: one QAction per command, with its text, standard
+/// shortcut and icon in one place, what it does, and the rule that enables it. Menus and
+/// the toolbar show these very actions (the toolbar adds only its labels), so that both
+/// always agree; refresh() applies every rule.
 /// Threads: main thread only.
 class WindowActions : public QObject {
     Q_OBJECT

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QList>
 #include <QVariantList>
 
 #include <optional>
+
+class QAction;
 
 namespace plyra {
 
@@ -33,6 +36,9 @@ public:
     virtual bool documentHasBothImages() const = 0;
     /// The morph time shown in the window's frame window, or nothing while none is open.
     virtual std::optional<float> frameWindowTime() const = 0;
+    /// The window's own Undo and Redo, which the panel offers (with their shortcuts)
+    /// while it has the keyboard.
+    virtual QList<QAction*> editActions() const = 0;
 };
 
 } // namespace plyra

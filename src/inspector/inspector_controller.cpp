@@ -208,7 +208,22 @@ void InspectorController::setMainWindow(QWidget* window)
     m_mainWindow = window;
     if (window)
         m_mainWindowDestroyed = connect(window, &QObject::destroyed, this, &InspectorController::delayedRevert);
+    offerEditActionsOf(dynamic_cast<InspectableWindow*>(window));
     delayedRevert();
+}
+
+void InspectorController::offerEditActionsOf(InspectableWindow* window)
+{
+    for (const QPointer<QAction>& action : std::as_const(m_editActions))
+        if (action)
+            m_panel->removeAction(action);
+    m_editActions.clear();
+    if (!window)
+        return;
+    for (QAction* action : window->editActions()) {
+        m_panel->addAction(action);
+        m_editActions.append(action);
+    }
 }
 
 } // namespace plyra

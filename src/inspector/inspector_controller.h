@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QAction>
 #include <QList>
 #include <QObject>
 #include <QPointer>
@@ -68,6 +69,8 @@ private:
     void observeNotifications();
     void windowActivated(QWidget* window);
     void setMainWindow(QWidget* window);
+    /// Undo and Redo of the window in front work while the panel has the keyboard.
+    void offerEditActionsOf(InspectableWindow* window);
     void showContentView(QWidget* view);
     void centrePanel();
 
@@ -77,6 +80,7 @@ private:
     std::unique_ptr<QWidget> m_offWin;
     QList<QPointer<Inspector>> m_inspectors;
     QPointer<QWidget> m_mainWindow;
+    QList<QPointer<QAction>> m_editActions;
     QMetaObject::Connection m_mainWindowDestroyed;
     QTimer m_revertTimer;
 };

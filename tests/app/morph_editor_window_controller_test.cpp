@@ -9,9 +9,12 @@
 #include "app/window_actions.h"
 #include "app_test_support.h"
 #include "editor/morph_editor.h"
+#include "inspector/inspector_controller.h"
+#include "inspector/inspector_panel.h"
 #include "model/morph_document.h"
 #include "platform/qt/user_defaults.h"
 #include "platform/run_loop.h"
+#include "render/windows/preview_dock.h"
 
 #include <QAction>
 #include <QApplication>
@@ -53,7 +56,7 @@ private:
 
     bool toolbarEnabled(const char* identifier) const
     {
-        m_window->toolbar().validate();
+        m_window->actions().refresh();
         return m_window->toolbar().item(QLatin1String(identifier))->action->isEnabled();
     }
 
@@ -137,23 +140,56 @@ private slots:
         QCOMPARE(m_window->lastEditor()->size(), first);
     }
 
-    void toolbarSetsAndLabels()
+    void toolbarItemsAreTheWindowsActions()
     {
-        QCOMPARE(DocumentToolbar::defaultItemIdentifiers(),
-            (QStringList{"togglePreviewDrawer", "showMorphFrameWindow", "showMorphMovieWindow", "lineColor", "NSToolbarFlexibleSpaceItem", "inspector"}));
-        QCOMPARE(m_window->toolbar().shownIdentifiers(), DocumentToolbar::defaultItemIdentifiers());
-        const auto* frame = m_window->toolbar().item(QStringLiteral("showMorphFrameWindow"));
-        QCOMPARE(frame->label, QStringLiteral("Render image"));
-        QCOMPARE(frame->paletteLabel, QStringLiteral("Render morph image"));
-        QVERIFY(!m_window->toolbar().item(QStringLiteral("noSuchItem")));
+        QCOMPARE(m_window->toolbar().shownIdentifiers(), DocumentToolbar::defaultItems());
+        const struct {
+            const char* identifier;
+            Command command;
+            QString label, paletteLabel;
+        } items[] = {
+            {"togglePreviewDrawer", Command::TogglePreview, "Preview", "Preview"},
+            {"showMorphFrameWindow", Command::RenderImage, "Render image", "Render morph image"},
+            {"showMorphMovieWindow", Command::RenderMovie, "Render movie", "Render morph movie"},
+            {"zoomIn", Command::ZoomIn, "Zoom in", "Zoom in editor"},
+            {"zoomOut", Command::ZoomOut, "Zoom out", "Zoom out editor"},
+            {"center", Command::CenterSelection, "Center", "Center selection"},
+            {"inspector", Command::ShowInspector, "Inspector", "Inspector"},
+        };
+        for (const auto& expected : items) {
+            const auto* item = m_window->toolbar().item(QLatin1String(expected.identifier));
+            QCOMPARE(item->action, m_window->actions().action(expected.command));
+            QCOMPARE(item->action->iconText(), expected.label);
+            QCOMPARE(item->paletteLabel, expected.paletteLabel);
+        }
         QCOMPARE(m_window->toolbar().item(QStringLiteral("lineColor"))->paletteLabel, QStringLiteral("Background colour"));
+        QVERIFY(!m_window->toolbar().item(QStringLiteral("noSuchItem")));
 
-        // The user's arrangement is kept under the toolbar's identifier.
+        // Preview is one checkable action in the menu and the toolbar.
+        QAction* preview = m_window->actions().action(Command::TogglePreview);
+        auto* viewMenu = m_window->menuBar()->findChild<QMenu*>(QStringLiteral("viewMenu"));
+        QVERIFY(viewMenu->actions().contains(preview) && m_window->toolbar().actions().contains(preview));
+        QVERIFY(preview->isCheckable() && preview->isChecked());
+        preview->trigger();
+        QVERIFY(!m_window->previewDock()->isOpen() && !preview->isChecked());
+
+        // The user's arrangement is kept for every document window.
         m_window->toolbar().setShownIdentifiers({QStringLiteral("zoomIn"), QStringLiteral("zoomOut"), QStringLiteral("bogus")});
         QCOMPARE(m_window->toolbar().shownIdentifiers(), (QStringList{"zoomIn", "zoomOut"}));
         MorphEditorWindowController* other = m_app->documents().newDocument();
         QCOMPARE(other->toolbar().shownIdentifiers(), (QStringList{"zoomIn", "zoomOut"}));
-        other->toolbar().setShownIdentifiers(DocumentToolbar::defaultItemIdentifiers());
+        other->toolbar().setShownIdentifiers(DocumentToolbar::defaultItems());
+    }
+
+    void theInspectorPanelUsesTheWindowsUndo()
+    {
+        InspectorController* inspector = InspectorController::sharedInspectorController();
+        m_window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_window));
+        const QList<QAction*> panelActions = inspector->panel()->actions();
+        QVERIFY(panelActions.contains(m_window->actions().action(Command::Undo)));
+        QVERIFY(panelActions.contains(m_window->actions().action(Command::Redo)));
+        QCOMPARE(panelActions.size(), 2);
     }
 
     void selectionCommandsAreValidated()

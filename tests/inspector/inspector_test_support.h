@@ -29,6 +29,7 @@ public:
     UndoManager* documentUndoManager() override { return &m_document.undoManager(); }
     bool documentHasBothImages() const override;
     std::optional<float> frameWindowTime() const override { return m_frameTime; }
+    QList<QAction*> editActions() const override { return {}; }
 
     /// Changes the frame window's time (nothing: closed) and says so.
     void setFrameTime(std::optional<float> time);

@@ -94,7 +94,7 @@ void FrameWindowTest::rendersShowsAndEnablesSave()
 {
     test::WindowTestDocument doc;
     FrameWindow window(*doc.document);
-    QCOMPARE(window.toolbar()->itemIdentifiers(),
+    QCOMPARE(window.toolbar()->shownIdentifiers(),
         QStringList({QStringLiteral("progressIndicator"), QStringLiteral("save"), QStringLiteral("timeSlider"),
             QStringLiteral("showInfo")}));
     QAction* save = window.toolbar()->itemWithIdentifier(QStringLiteral("save"));

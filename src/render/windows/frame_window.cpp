@@ -15,7 +15,7 @@
 
 namespace plyra {
 FrameWindow::FrameWindow(MorphDocument& document, QWidget* parent)
-    : RenderWindow(document, std::make_unique<FrameRenderController>(document), parent)
+    : RenderWindow(document, std::make_unique<FrameRenderController>(document), QStringLiteral("MorphFrameController"), parent)
 {
     setObjectName(QStringLiteral("frameWindow"));
     setAccessibleName(tr("Rendered image"));
@@ -35,11 +35,9 @@ FrameWindow::FrameWindow(MorphDocument& document, QWidget* parent)
     m_slider->setAccessibleName(tr("Morph position"));
     m_slider->setToolTip(tr("The morph time of the frame"));
     connect(m_slider, &QSlider::valueChanged, this, &FrameWindow::takeTimeFromSlider);
-    QAction* sliderItem = toolbar()->addWidgetItem(QString::fromLatin1(kTimeSliderIdentifier), tr("Morph position"), m_slider);
-    // Between Save and Settings, as the slider's place in the toolbar.
-    toolbar()->removeAction(sliderItem);
-    toolbar()->insertAction(toolbar()->itemWithIdentifier(QString::fromLatin1(RenderToolbar::kSettingsIdentifier)), sliderItem);
+    auto* sliderItem = toolbar()->addWidgetItem(QString::fromLatin1(kTimeSliderIdentifier), m_slider, tr("Morph position"), tr("Morph position"));
     static_cast<QWidgetAction*>(sliderItem)->defaultWidget()->setMinimumWidth(200);
+    setToolbarItems({QString::fromLatin1(kTimeSliderIdentifier)});
     resize(600, 400 + toolbar()->sizeHint().height());
     refreshTitle();
 }

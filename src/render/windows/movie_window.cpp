@@ -18,7 +18,7 @@
 namespace plyra {
 
 MovieWindow::MovieWindow(MorphDocument& document, QWidget* parent)
-    : RenderWindow(document, std::make_unique<MovieRenderController>(document), parent)
+    : RenderWindow(document, std::make_unique<MovieRenderController>(document), QStringLiteral("MorphMovieController"), parent)
 {
     setObjectName(QStringLiteral("movieWindow"));
     setAccessibleName(tr("Rendered movie"));

@@ -13,9 +13,12 @@
 #include <QIcon>
 #include <QShowEvent>
 
+#include <cmath>
+
 namespace plyra {
 
-RenderWindow::RenderWindow(MorphDocument& document, std::unique_ptr<RenderController> controller, QWidget* parent)
+RenderWindow::RenderWindow(MorphDocument& document, std::unique_ptr<RenderController> controller,
+    const QString& toolbarIdentifier, QWidget* parent)
     : QMainWindow(parent, Qt::Window)
     , m_document(document)
     , m_controller(std::move(controller))
@@ -25,7 +28,7 @@ RenderWindow::RenderWindow(MorphDocument& document, std::unique_ptr<RenderContro
     setAttribute(Qt::WA_DeleteOnClose, false);
     connect(m_scheduler, &RenderScheduler::recalcRequested, this, &RenderWindow::recalc);
     connect(m_scheduler, &RenderScheduler::polled, this, &RenderWindow::polled);
-    buildToolbar();
+    buildToolbar(toolbarIdentifier);
     auto* close = new QAction(tr("Close"), this);
     close->setShortcut(QKeySequence::Close);
     connect(close, &QAction::triggered, this, &QWidget::close);
@@ -37,21 +40,34 @@ RenderWindow::~RenderWindow()
     m_scheduler->stop();
 }
 
-void RenderWindow::buildToolbar()
+void RenderWindow::buildToolbar(const QString& identifier)
 {
-    m_toolbar = new RenderToolbar(this);
+    m_toolbar = new RenderToolbar(identifier, this);
     addToolBar(m_toolbar);
     connect(m_toolbar->progressIndicator(), &ProgressPie::clicked, this, &RenderWindow::recalc);
-    auto* saveItem = new QAction(QIcon(QStringLiteral(":/render/save.svg")), tr("Save"), this);
-    saveItem->setToolTip(tr("Save the rendered result"));
-    saveItem->setShortcut(QKeySequence::Save);
-    connect(saveItem, &QAction::triggered, this, &RenderWindow::save);
-    m_toolbar->addItem(QString::fromLatin1(RenderToolbar::kSaveIdentifier), saveItem);
+    m_saveAction = new QAction(QIcon(QStringLiteral(":/render/save.svg")), tr("Save"), this);
+    m_saveAction->setToolTip(tr("Save the rendered result"));
+    m_saveAction->setShortcut(QKeySequence::Save);
+    connect(m_saveAction, &QAction::triggered, this, &RenderWindow::save);
+    m_toolbar->addItem(QString::fromLatin1(RenderToolbar::kSaveIdentifier), m_saveAction, tr("Save"), tr("Save"));
     auto* settingsItem = new QAction(QIcon(QStringLiteral(":/render/settings.svg")), tr("Settings"), this);
     settingsItem->setToolTip(tr("Change the render settings"));
     connect(settingsItem, &QAction::triggered, this, &RenderWindow::showSettings);
-    m_toolbar->addItem(QString::fromLatin1(RenderToolbar::kSettingsIdentifier), settingsItem);
+    m_toolbar->addItem(QString::fromLatin1(RenderToolbar::kSettingsIdentifier), settingsItem, tr("Settings"), tr("Settings"));
+    // The shortcuts work also while the user keeps the items out of the toolbar.
+    addActions({m_saveAction, settingsItem});
+    setToolbarItems({});
     validateToolbar();
+}
+
+void RenderWindow::setToolbarItems(const QStringList& ownItems)
+{
+    QStringList items{QString::fromLatin1(RenderToolbar::kProgressIdentifier), QString::fromLatin1(RenderToolbar::kSaveIdentifier)};
+    items += ownItems;
+    items.append(QString::fromLatin1(RenderToolbar::kSettingsIdentifier));
+    const QStringList spacers{QLatin1String(RenderToolbar::kSeparator), QLatin1String(RenderToolbar::kSpace),
+        QLatin1String(RenderToolbar::kFlexibleSpace)};
+    m_toolbar->setItemSets(items, items + spacers);
 }
 
 void RenderWindow::setResultView(QWidget* view)
@@ -73,7 +89,11 @@ void RenderWindow::refreshTitle()
 
 void RenderWindow::validateToolbar()
 {
-    m_toolbar->validate(progress());
+    // Save only a complete result; the indicator runs while frames are outstanding.
+    const float done = progress();
+    m_saveAction->setEnabled(std::fabs(done - 1.0f) < 0.0001f);
+    m_toolbar->progressIndicator()->setFraction(done);
+    m_toolbar->progressIndicator()->setEnabled(std::fabs(done - 1.0f) > 0.0001f);
 }
 
 // ---- settings ---------------------------------------------------------------------------

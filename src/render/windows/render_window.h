@@ -78,7 +78,13 @@ signals:
     void renderStarted();
 
 protected:
-    RenderWindow(MorphDocument& document, std::unique_ptr<RenderController> controller, QWidget* parent);
+    /// toolbarIdentifier names the kind of window whose toolbar arrangement the user keeps.
+    RenderWindow(MorphDocument& document, std::unique_ptr<RenderController> controller, const QString& toolbarIdentifier,
+        QWidget* parent);
+
+    /// The default toolbar: progress, Save, the window's own items, Settings; spaces and
+    /// separators may be added.
+    void setToolbarItems(const QStringList& ownItems);
 
     /// Follows the size of the view that shows the result.
     void setResultView(QWidget* view);
@@ -107,7 +113,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void buildToolbar();
+    void buildToolbar(const QString& identifier);
     void settingsSheetDidEnd(int result);
     void polled();
     bool documentHasImage() const;
@@ -116,6 +122,7 @@ private:
     std::unique_ptr<RenderController> m_controller;
     RenderScheduler* m_scheduler = nullptr;
     RenderToolbar* m_toolbar = nullptr;
+    QAction* m_saveAction = nullptr;
     RenderSettingsSheet* m_sheet = nullptr;
     QWidget* m_resultView = nullptr;
     QString m_displayName;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/toolbar_customize_dialog.h"
+#include "widgets/toolbar_customize_dialog.h"
 
 #include <QDialogButtonBox>
 #include <QHBoxLayout>

@@ -240,7 +240,7 @@ void MorphEditorWindowController::observeDocument()
 {
     NotificationCenter& center = NotificationCenter::defaultCenter();
     for (const char* name : {kObjectsUpdatedNotification, kSelectionUpdatedNotification})
-        center.addObserver(name, [this](const Notification&) { refreshState(); }, this);
+        center.addObserver(name, [this](const Notification&) { refreshState(); }, this, m_document->notificationObject());
     // The undo manager reports every registration, several per mouse move of a drag:
     // the window's state follows once per event-loop pass.
     m_document->undoManager().setChangeCallback([this] { scheduleRefresh(); });
@@ -431,7 +431,7 @@ void MorphEditorWindowController::closeDocumentWindows()
 
 void MorphEditorWindowController::postFrameTimeUpdated()
 {
-    NotificationQueue::defaultQueue().enqueueAsSoonAsPossible({kFrameTimeUpdatedNotification, this});
+    NotificationQueue::defaultQueue().enqueueAsSoonAsPossible({kFrameTimeUpdatedNotification, m_document->notificationObject()});
 }
 
 bool MorphEditorWindowController::eventFilter(QObject* watched, QEvent* event)
@@ -444,6 +444,11 @@ bool MorphEditorWindowController::eventFilter(QObject* watched, QEvent* event)
 QVariantList MorphEditorWindowController::currentSelection() const
 {
     return selectionOfLines(m_document->selectedLines());
+}
+
+const void* MorphEditorWindowController::documentNotificationObject() const
+{
+    return m_document->notificationObject();
 }
 
 UndoManager* MorphEditorWindowController::documentUndoManager()

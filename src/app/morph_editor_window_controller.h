@@ -69,6 +69,7 @@ public:
 
     // What the inspector panel asks of the window in front.
     QVariantList currentSelection() const override;
+    const void* documentNotificationObject() const override;
     UndoManager* documentUndoManager() override;
     bool documentHasBothImages() const override;
     std::optional<float> frameWindowTime() const override;

@@ -30,10 +30,6 @@ MorphEditor::MorphEditor(QWidget* parent)
                                 "arrow keys move the selected lines, Delete removes them. Drop an image file "
                                 "here to use it."));
     m_context.mapping = {static_cast<float>(width()), static_cast<float>(height())};
-    auto& center = NotificationCenter::defaultCenter();
-    // Any document's change: the editor compares what it shows with its own document.
-    for (const char* name : {kObjectsUpdatedNotification, kSelectionUpdatedNotification})
-        center.addObserver(name, [this](const Notification&) { documentChanged(); }, this);
 }
 
 MorphEditor::~MorphEditor()
@@ -57,6 +53,12 @@ void MorphEditor::setDataSource(MorphEditorDataSource* dataSource)
         return;
     finishGesture();
     m_context.dataSource = dataSource;
+    // Changes of this document only; the editor compares what it shows with it.
+    NotificationCenter& center = NotificationCenter::defaultCenter();
+    center.removeObserversOwnedBy(this);
+    if (dataSource)
+        for (const char* name : {kObjectsUpdatedNotification, kSelectionUpdatedNotification})
+            center.addObserver(name, [this](const Notification&) { documentChanged(); }, this, dataSource->notificationObject());
     redrawAll();
 }
 

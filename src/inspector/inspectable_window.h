@@ -12,9 +12,9 @@ namespace plyra {
 
 class UndoManager;
 
-/// Enqueued on the default notification queue by a document window whenever its frame
-/// window opens, closes or shows another time, so that the inspector panel moves its
-/// timeline marker.
+/// Enqueued on the default notification queue, about its document, by a document window
+/// whenever its frame window opens, closes or shows another time, so that the inspector
+/// panel moves its timeline marker.
 inline constexpr const char* kFrameTimeUpdatedNotification = "frameTimeUpdated";
 
 /// What the inspector panel asks of the document window in front. The document window
@@ -30,6 +30,9 @@ public:
     /// lines, each made with selectionItem() (inspector_selection.h). Anything else in the
     /// list is an object no inspector knows, which the panel logs.
     virtual QVariantList currentSelection() const = 0;
+    /// The object that notifications about the window's document carry; the panel
+    /// follows those of the window in front only.
+    virtual const void* documentNotificationObject() const = 0;
     /// The undo manager of the window's document; the inspectors register their edits there.
     virtual UndoManager* documentUndoManager() = 0;
     /// Whether the document has both a first and a last image (dissolving needs both).

@@ -85,7 +85,12 @@ InspectorController* InspectorController::sharedInspectorController()
 void InspectorController::observeNotifications()
 {
     auto& center = NotificationCenter::defaultCenter();
-    const auto schedule = [this](const Notification&) { delayedRevert(); };
+    // Changes of the document in front only.
+    const auto schedule = [this](const Notification& notification) {
+        const auto* window = dynamic_cast<InspectableWindow*>(m_mainWindow.data());
+        if (window && notification.object == window->documentNotificationObject())
+            delayedRevert();
+    };
     center.addObserver(kSelectionUpdatedNotification, schedule, this);
     center.addObserver(kObjectsUpdatedNotification, schedule, this);
     center.addObserver(kFrameTimeUpdatedNotification, schedule, this);

@@ -18,8 +18,8 @@ class InspectorPanel;
 /// The one inspector panel of the application: it follows the selection of the document
 /// window in front and shows the view of the first registered inspector that accepts it,
 /// or the empty-selection view when nothing is selected. It refreshes 0.01 s after the
-/// last of a burst of selection, object and main-window changes, and does nothing while
-/// hidden. Views not shown stay alive, parked, and keep their state.
+/// last of a burst of changes of that window's document and of main-window changes, and
+/// does nothing while hidden. Views not shown stay alive, parked, and keep their state.
 /// Threads: main thread only.
 class InspectorController : public QObject {
     Q_OBJECT

@@ -61,6 +61,7 @@ void MorphDocument::insertObjectInMorphLinesAtIndex(const MorphLine::Ptr& line, 
     assert(line && index <= m_morphLines.size());
     assert(std::find(m_morphLines.begin(), m_morphLines.end(), line) == m_morphLines.end());
     index = std::min(index, m_morphLines.size());
+    line->setDocument(notificationObject());
     joinToCoincidingLine(line);
     m_morphLines.insert(m_morphLines.begin() + static_cast<std::ptrdiff_t>(index), line);
     // The name replaces "Connect line" from the join: both are one step.
@@ -314,12 +315,12 @@ void MorphDocument::registerUndo(std::function<void()> action, const char* actio
 
 void MorphDocument::postObjectsUpdated()
 {
-    NotificationQueue::defaultQueue().enqueueAsSoonAsPossible({kObjectsUpdatedNotification, this});
+    NotificationQueue::defaultQueue().enqueueAsSoonAsPossible({kObjectsUpdatedNotification, notificationObject()});
 }
 
 void MorphDocument::postSelectionUpdated()
 {
-    NotificationQueue::defaultQueue().enqueueAsSoonAsPossible({kSelectionUpdatedNotification, this});
+    NotificationQueue::defaultQueue().enqueueAsSoonAsPossible({kSelectionUpdatedNotification, notificationObject()});
 }
 
 } // namespace plyra

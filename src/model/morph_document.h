@@ -28,7 +28,8 @@ inline constexpr const char* kSelectionUpdatedNotification = "selectionUpdated";
 /// selection, the colour lines are drawn in, the output frame size and the movie codec
 /// settings. Every edit of lines, selection, images and colour registers its inverse
 /// with the document's undo manager and posts "objectsUpdated" or "selectionUpdated",
-/// coalesced per pass of the main run loop, with the document as object.
+/// coalesced per pass of the main run loop, with the document as object: observers
+/// follow one document by passing notificationObject() to addObserver().
 /// Threads: main thread only. The frame engine gets rendering images and copies of the
 /// lines, never the document.
 class MorphDocument : public MorphEditorDataSource {
@@ -39,6 +40,7 @@ public:
     MorphDocument& operator=(const MorphDocument&) = delete;
 
     UndoManager& undoManager() override { return m_undoManager; }
+    const void* notificationObject() const override { return this; }
 
     // ---- lines and selection ----
     const std::vector<MorphLine::Ptr>& morphLines() const override { return m_morphLines; }

@@ -32,6 +32,9 @@ public:
     /// Track 0 for 0, track 1 for any other value; nothing when the track has no image.
     virtual std::optional<DisplayImage> imageInTrack(unsigned track) const = 0;
     virtual UndoManager& undoManager() = 0;
+    /// The object of the source's notifications ("objectsUpdated", "selectionUpdated"),
+    /// which an editor follows.
+    virtual const void* notificationObject() const = 0;
 
     virtual void insertObjectInMorphLinesAtIndex(const MorphLine::Ptr& line, std::size_t index) = 0;
     virtual void removeObjectFromMorphLinesAtIndex(std::size_t index) = 0;

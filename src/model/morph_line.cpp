@@ -241,7 +241,7 @@ void MorphLine::notify()
 {
     if (!m_shouldNotify)
         return;
-    NotificationQueue::defaultQueue().enqueueAsSoonAsPossible({kObjectsUpdatedNotification, this});
+    NotificationQueue::defaultQueue().enqueueAsSoonAsPossible({kObjectsUpdatedNotification, m_document});
 }
 
 } // namespace plyra

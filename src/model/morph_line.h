@@ -44,8 +44,12 @@ public:
     /// The map that carries the line's position at t2 onto its position at t1.
     AffineTransform transformFromTime(float t1, float t2) const;
 
-    /// Posts "objectsUpdated" (coalesced per pass) unless the line is being built.
+    /// Posts "objectsUpdated" about the line's document (coalesced per pass) unless the
+    /// line is being built.
     void notify();
+    /// The document the line belongs to, which its notifications carry; the document sets
+    /// it when the line enters it. Copies and new lines belong to none.
+    void setDocument(const void* document) { m_document = document; }
 
     std::uint32_t nPoints() const { return static_cast<std::uint32_t>(m_startPoints.size()); }
     const std::vector<Point>& startPoints() const { return m_startPoints; }
@@ -111,6 +115,8 @@ private:
     float m_dissolveStartTime = 0.0f;
     float m_dissolveEndTime = 1.0f;
     bool m_shouldNotify = true;
+    // Only compared, never followed: a line may outlive its document in an undo step.
+    const void* m_document = nullptr;
     std::weak_ptr<MorphLine> m_attachedLineAtStart;
     Ptr m_attachedLineAtEnd;
 };

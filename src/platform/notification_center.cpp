@@ -13,10 +13,10 @@ NotificationCenter& NotificationCenter::defaultCenter()
     return center;
 }
 
-NotificationCenter::ObserverId NotificationCenter::addObserver(std::string name, Handler handler, const void* owner)
+NotificationCenter::ObserverId NotificationCenter::addObserver(std::string name, Handler handler, const void* owner, const void* object)
 {
     const ObserverId id = m_nextId++;
-    m_observers.push_back({id, std::move(name), std::move(handler), owner});
+    m_observers.push_back({id, std::move(name), std::move(handler), owner, object});
     return id;
 }
 
@@ -41,7 +41,7 @@ void NotificationCenter::post(const Notification& notification)
     // now and still registered when their turn comes.
     std::vector<ObserverId> ids;
     for (const Observer& o : m_observers)
-        if (o.name == notification.name)
+        if (o.name == notification.name && (!o.object || o.object == notification.object))
             ids.push_back(o.id);
     for (ObserverId id : ids) {
         auto it = std::find_if(m_observers.begin(), m_observers.end(), [id](const Observer& o) { return o.id == id; });
@@ -71,7 +71,7 @@ NotificationQueue& NotificationQueue::defaultQueue()
 
 void NotificationQueue::enqueueAsSoonAsPossible(const Notification& notification)
 {
-    if (isPending(notification.name))
+    if (isPending(notification.name, notification.object))
         return;
     m_pending.push_back(notification);
     if (!m_passScheduled) {
@@ -92,9 +92,10 @@ void NotificationQueue::flush()
         m_center.post(n);
 }
 
-bool NotificationQueue::isPending(const std::string& name) const
+bool NotificationQueue::isPending(const std::string& name, const void* object) const
 {
-    return std::any_of(m_pending.begin(), m_pending.end(), [&](const Notification& n) { return n.name == name; });
+    return std::any_of(m_pending.begin(), m_pending.end(),
+        [&](const Notification& n) { return n.name == name && n.object == object; });
 }
 
 } // namespace plyra

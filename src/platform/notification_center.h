@@ -8,13 +8,14 @@
 
 namespace plyra {
 
+/// A named change and the object it concerns (for a document's changes, the document).
 struct Notification {
     std::string name;
     const void* object = nullptr;
 };
 
-/// Delivers notifications by name to every observer of that name; there is no sender
-/// filter. Threads: main thread only.
+/// Delivers notifications by name to every observer of that name that follows their
+/// object, or any object. Threads: main thread only.
 class NotificationCenter {
 public:
     using ObserverId = std::uint64_t;
@@ -22,8 +23,9 @@ public:
 
     static NotificationCenter& defaultCenter();
 
-    /// owner groups registrations so that removeObserversOwnedBy() drops them together.
-    ObserverId addObserver(std::string name, Handler handler, const void* owner = nullptr);
+    /// owner groups registrations so that removeObserversOwnedBy() drops them together;
+    /// with an object, only notifications about that object reach the handler.
+    ObserverId addObserver(std::string name, Handler handler, const void* owner = nullptr, const void* object = nullptr);
     void removeObserver(ObserverId id);
     void removeObserversOwnedBy(const void* owner);
     void removeObserversOwnedBy(const void* owner, const std::string& name);
@@ -37,14 +39,15 @@ private:
         std::string name;
         Handler handler;
         const void* owner;
+        const void* object;
     };
     std::vector<Observer> m_observers;
     ObserverId m_nextId = 1;
 };
 
 /// Posts notifications "as soon as possible": at the end of the current pass of the
-/// main run loop, coalesced by name so that each name is posted once per pass with the
-/// object of the first one enqueued. Threads: main thread only.
+/// main run loop, coalesced so that each name is posted once per pass for each object.
+/// Threads: main thread only.
 class NotificationQueue {
 public:
     explicit NotificationQueue(NotificationCenter& center = NotificationCenter::defaultCenter());
@@ -54,7 +57,7 @@ public:
     void enqueueAsSoonAsPossible(const Notification& notification);
     /// Posts everything pending now (tests without an event loop).
     void flush();
-    bool isPending(const std::string& name) const;
+    bool isPending(const std::string& name, const void* object) const;
     int pendingCount() const { return static_cast<int>(m_pending.size()); }
 
 private:

@@ -15,6 +15,8 @@
 #include "platform/qt/user_defaults.h"
 #include "platform/run_loop.h"
 #include "render/windows/preview_dock.h"
+#include "render/windows/preview_strip_view.h"
+#include "render/windows/render_scheduler.h"
 
 #include <QAction>
 #include <QApplication>
@@ -29,6 +31,21 @@
 
 using namespace plyra;
 using namespace plyra::test;
+
+// Counts the paint events of some widgets.
+struct PaintCounter : QObject {
+    int count = 0;
+    explicit PaintCounter(std::initializer_list<QWidget*> widgets)
+    {
+        for (QWidget* widget : widgets)
+            widget->installEventFilter(this);
+    }
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        count += event->type() == QEvent::Paint;
+        return false;
+    }
+};
 
 class MorphEditorWindowControllerTest : public QObject {
     Q_OBJECT
@@ -190,6 +207,48 @@ private slots:
         QVERIFY(panelActions.contains(m_window->actions().action(Command::Undo)));
         QVERIFY(panelActions.contains(m_window->actions().action(Command::Redo)));
         QCOMPARE(panelActions.size(), 2);
+    }
+
+    void documentsDoNotDisturbEachOther()
+    {
+        // Two documents, each with an image, a line, its preview strip and its frame window.
+        MorphEditorWindowController* other = m_app->documents().newDocument();
+        QString reason;
+        for (MorphEditorWindowController* window : {m_window, other}) {
+            QVERIFY(window->document().setImageFromFile(m_image, 0, &reason));
+            MorphLine::Ptr line = MorphLine::create();
+            for (unsigned track : {0u, 1u}) {
+                line->setStartPoint({0.2f, 0.2f}, track, nullptr);
+                line->setEndPoint({0.6f, 0.6f}, track, nullptr);
+            }
+            window->document().addMorphLine(line);
+            window->showFrameWindow();
+        }
+        endPass();
+        std::vector<RenderScheduler*> schedulers;
+        for (MorphEditorWindowController* window : {m_window, other})
+            for (RenderScheduler* scheduler : {&window->previewDock()->scheduler(), &window->frameWindow()->scheduler()}) {
+                scheduler->cancelDelayedRecalc();
+                schedulers.push_back(scheduler);
+            }
+        PaintCounter paints({other->firstEditor(), other->lastEditor(), other->previewDock()->strip()});
+
+        // A drag of the line's end in the last image of the first document.
+        MorphEditor* editor = m_window->lastEditor();
+        auto at = [editor](float x, float y) { return QPoint(qRound(x * editor->width()), qRound((1.0f - y) * editor->height())); };
+        QTest::mousePress(editor, Qt::LeftButton, {}, at(0.6f, 0.6f));
+        for (float x : {0.62f, 0.66f, 0.7f}) {
+            QMouseEvent move(QEvent::MouseMove, at(x, 0.5f), editor->mapToGlobal(at(x, 0.5f)), Qt::NoButton, Qt::LeftButton, {});
+            QApplication::sendEvent(editor, &move);
+            endPass();
+        }
+        QTest::mouseRelease(editor, Qt::LeftButton, {}, at(0.7f, 0.5f));
+        endPass();
+
+        QVERIFY(m_window->document().morphLines().front()->endPoint(1).x > 0.65f);
+        QVERIFY(schedulers[0]->isRecalcPending() && schedulers[1]->isRecalcPending());
+        QVERIFY(!schedulers[2]->isRecalcPending() && !schedulers[3]->isRecalcPending());
+        QCOMPARE(paints.count, 0);
     }
 
     void selectionCommandsAreValidated()

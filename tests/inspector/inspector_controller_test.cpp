@@ -74,7 +74,7 @@ private slots:
         for (int i = 0; i < 10; ++i) {
             const qint64 now = counting.clock.elapsed();
             longestGap = std::max(longestGap, i == 0 ? 0 : now - lastPost);
-            NotificationCenter::defaultCenter().post({names[i % 3], &window});
+            NotificationCenter::defaultCenter().post({names[i % 3], window.document().notificationObject()});
             lastPost = counting.clock.elapsed();
             QTest::qWait(2);
         }

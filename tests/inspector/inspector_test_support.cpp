@@ -42,7 +42,7 @@ bool FakeDocumentWindow::documentHasBothImages() const
 void FakeDocumentWindow::setFrameTime(std::optional<float> time)
 {
     m_frameTime = time;
-    NotificationQueue::defaultQueue().enqueueAsSoonAsPossible({kFrameTimeUpdatedNotification, this});
+    NotificationQueue::defaultQueue().enqueueAsSoonAsPossible({kFrameTimeUpdatedNotification, m_document.notificationObject()});
 }
 
 void FakeDocumentWindow::setImages(bool both)

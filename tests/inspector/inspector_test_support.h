@@ -26,6 +26,7 @@ public:
     MorphDocument& document() { return m_document; }
 
     QVariantList currentSelection() const override;
+    const void* documentNotificationObject() const override { return m_document.notificationObject(); }
     UndoManager* documentUndoManager() override { return &m_document.undoManager(); }
     bool documentHasBothImages() const override;
     std::optional<float> frameWindowTime() const override { return m_frameTime; }

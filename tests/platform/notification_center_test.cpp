@@ -7,7 +7,7 @@
 namespace plyra {
 namespace {
 
-TEST(NotificationQueue, CoalescesByNameOncePerPassWithTheFirstObject)
+TEST(NotificationQueue, CoalescesByNameAndObjectOncePerPass)
 {
     NotificationCenter center;
     NotificationQueue queue(center);
@@ -18,18 +18,19 @@ TEST(NotificationQueue, CoalescesByNameOncePerPassWithTheFirstObject)
     int a = 0;
     int b = 0;
     for (int i = 0; i < 10; ++i)
-        queue.enqueueAsSoonAsPossible({"objectsUpdated", i == 0 ? &a : &b});
+        queue.enqueueAsSoonAsPossible({"objectsUpdated", i % 2 ? &a : &b});
     queue.enqueueAsSoonAsPossible({"selectionUpdated", &b});
     EXPECT_TRUE(seen.empty()); // nothing before the pass ends
     RunLoop::main().endPass();
-    ASSERT_EQ(seen.size(), 2u);
+    ASSERT_EQ(seen.size(), 3u);
     EXPECT_EQ(seen[0].name, "objectsUpdated");
-    EXPECT_EQ(seen[0].object, &a);
-    EXPECT_EQ(seen[1].name, "selectionUpdated");
+    EXPECT_EQ(seen[0].object, &b);
+    EXPECT_EQ(seen[1].object, &a);
+    EXPECT_EQ(seen[2].name, "selectionUpdated");
 
     queue.enqueueAsSoonAsPossible({"objectsUpdated", &b});
     RunLoop::main().endPass();
-    EXPECT_EQ(seen.size(), 3u);
+    EXPECT_EQ(seen.size(), 4u);
 }
 
 TEST(NotificationQueue, EnqueuedWhileDeliveringGoesToTheNextPass)
@@ -48,16 +49,21 @@ TEST(NotificationQueue, EnqueuedWhileDeliveringGoesToTheNextPass)
     EXPECT_EQ(deliveries, 2);
 }
 
-TEST(NotificationCenter, ObserversWithoutSenderFilterAndRemoval)
+TEST(NotificationCenter, ObserversFollowTheirObjectAndAreRemoved)
 {
     NotificationCenter center;
     int owner = 0;
     int calls = 0;
+    int other = 0;
     const auto id = center.addObserver("x", [&](const Notification&) { ++calls; });
     center.addObserver("x", [&](const Notification&) { ++calls; }, &owner);
     center.addObserver("y", [&](const Notification&) { ++calls; }, &owner);
+    center.addObserver("x", [&](const Notification&) { calls += 100; }, &owner, &other);
     center.post({"x", &calls});
     EXPECT_EQ(calls, 2);
+    center.post({"x", &other});
+    EXPECT_EQ(calls, 104);
+    calls = 2;
     center.removeObserver(id);
     center.post({"x", nullptr});
     EXPECT_EQ(calls, 3);
@@ -75,7 +81,7 @@ TEST(NotificationQueue, FlushPostsPendingWithoutAnEventLoop)
     int calls = 0;
     center.addObserver("z", [&](const Notification&) { ++calls; });
     queue.enqueueAsSoonAsPossible({"z", nullptr});
-    EXPECT_TRUE(queue.isPending("z"));
+    EXPECT_TRUE(queue.isPending("z", nullptr));
     queue.flush();
     EXPECT_EQ(calls, 1);
     RunLoop::main().endPass(); // the scheduled pass finds nothing left

@@ -34,7 +34,7 @@ PreviewDock::PreviewDock(MorphDocument& document, QWidget* parent)
     // The lines over the cells follow every edit at once, and the colour with them.
     NotificationCenter& center = NotificationCenter::defaultCenter();
     for (const char* name : {kObjectsUpdatedNotification, kSelectionUpdatedNotification})
-        center.addObserver(name, [this](const Notification&) { m_strip->update(); }, this);
+        center.addObserver(name, [this](const Notification&) { m_strip->update(); }, this, document.notificationObject());
 }
 
 PreviewDock::~PreviewDock()

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "render/windows/render_scheduler.h"
 
-#include "model/morph_line.h"
+#include "model/morph_document.h"
 #include "platform/notification_center.h"
 #include "render/render_controller.h"
 
@@ -30,7 +30,8 @@ void RenderScheduler::setObservingDocument(bool observe)
     m_observing = observe;
     NotificationCenter& center = NotificationCenter::defaultCenter();
     if (observe)
-        center.addObserver(kObjectsUpdatedNotification, [this](const Notification&) { delayedRecalc(); }, this);
+        center.addObserver(kObjectsUpdatedNotification, [this](const Notification&) { delayedRecalc(); }, this,
+            m_controller.document().notificationObject());
     else
         center.removeObserversOwnedBy(this, kObjectsUpdatedNotification);
 }

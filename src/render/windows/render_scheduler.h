@@ -10,8 +10,9 @@ class RenderController;
 
 /// The timing of a render window's work: a recalculation requested by any change runs
 /// once, 0.1 s after the last request of a burst, and a repeating 0.1 s timer polls the
-/// render without ever waiting for a job. It listens for "objectsUpdated" from any
-/// sender while observing, and tells its owner when to recalculate and when it polled.
+/// render without ever waiting for a job. It listens for "objectsUpdated" of its
+/// controller's document while observing, and tells its owner when to recalculate and
+/// when it polled.
 /// Threads: main thread.
 class RenderScheduler : public QObject {
     Q_OBJECT
@@ -23,7 +24,7 @@ public:
     explicit RenderScheduler(RenderController& controller, QObject* parent = nullptr);
     ~RenderScheduler() override;
 
-    /// Whether "objectsUpdated" requests a recalculation; registers at most once.
+    /// Whether the document's "objectsUpdated" requests a recalculation; registers at most once.
     void setObservingDocument(bool observe);
     bool isObservingDocument() const { return m_observing; }
 

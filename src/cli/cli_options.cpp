@@ -163,8 +163,25 @@ std::string checkMovie(CliOptions& o, MovieOutputKind kind)
     return {};
 }
 
+std::string checkNewDocument(const CliOptions& o)
+{
+    if (!o.documentPath.empty())
+        return "--new makes a document and reads none: '" + o.documentPath + "'";
+    if (!o.outputPath.empty() && !QString::fromStdString(o.outputPath).endsWith(QStringLiteral(".plyra")))
+        return "--new writes a document package: -o needs a name ending in .plyra, not '" + o.outputPath + "'";
+    if (o.outputPath.empty())
+        return "--new needs -o DOC.plyra";
+    if (o.time || hasMovieOptions(o) || o.width || o.interval)
+        return "--new takes only -o, --face-lines and --quiet";
+    return {};
+}
+
 std::string checkMode(CliOptions& o)
 {
+    if (o.faceLines && o.mode != CliMode::NewDocument)
+        return "--face-lines is for --new";
+    if (o.mode == CliMode::NewDocument)
+        return checkNewDocument(o);
     if (o.mode == CliMode::WarpField || o.mode == CliMode::Info)
         return {};
     if (o.outputPath.empty())
@@ -199,8 +216,16 @@ CliParseResult parseCliOptions(const std::vector<std::string>& arguments)
             options.mode = CliMode::Help;
             return {options, {}};
         }
-        if (arg == "--reverse" || arg == "--quiet" || arg == "--info") {
-            (arg == "--reverse" ? options.reverse : arg == "--quiet" ? options.quiet : info) = true;
+        if (arg == "--reverse" || arg == "--quiet" || arg == "--info" || arg == "--face-lines") {
+            (arg == "--reverse" ? options.reverse : arg == "--quiet" ? options.quiet : arg == "--info" ? info : options.faceLines) = true;
+            continue;
+        }
+        if (arg == "--new") {
+            if (i + 2 >= arguments.size())
+                return {std::nullopt, "--new needs a first and a last image"};
+            options.mode = CliMode::NewDocument;
+            options.firstImagePath = arguments[++i];
+            options.lastImagePath = arguments[++i];
             continue;
         }
         if (OptionReader::takesValue(arg)) {
@@ -216,10 +241,10 @@ CliParseResult parseCliOptions(const std::vector<std::string>& arguments)
             return {std::nullopt, "only one document, please: '" + arg + "'"};
         options.documentPath = arg;
     }
-    if (options.documentPath.empty())
+    if (options.documentPath.empty() && options.mode != CliMode::NewDocument)
         return {std::nullopt, "no document given"};
     if (info) {
-        if (options.mode == CliMode::WarpField || !options.outputPath.empty())
+        if (options.mode == CliMode::WarpField || options.mode == CliMode::NewDocument || !options.outputPath.empty())
             return {std::nullopt, "--info prints the document and takes no output"};
         options.mode = CliMode::Info;
     }
@@ -240,6 +265,7 @@ std::string cliUsage()
            "                                                                        numbered frames\n"
            "  plyra-render DOC.plyra --info                                         the document as JSON\n"
            "  plyra-render DOC.plyra --time T --warp-field FIELD                    one frame's warp field\n"
+           "  plyra-render --new FIRST-IMAGE LAST-IMAGE -o DOC.plyra [--face-lines] a new document (with face lines)\n"
            "common: [--size WxH] [--interval R] [--quiet]\n"
            "frames: .jpg or .jpeg (quality 95), .png (8-bit RGBA with alpha), .tif or .tiff (lossless)\n"
            "codecs: mp4v (default of new documents), avc1, mjpb, 'rle ' and pxlt always work; any other code\n"

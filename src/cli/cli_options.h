@@ -9,13 +9,17 @@
 namespace plyra {
 
 /// What plyra-render was asked to do.
-enum class CliMode { Frame, Movie, Info, WarpField, Help };
+enum class CliMode { Frame, Movie, Info, WarpField, NewDocument, Help };
 
 /// The parsed command line of plyra-render. Options not given stay empty, so that the
 /// document's own settings apply.
 struct CliOptions {
     CliMode mode = CliMode::Frame;
     std::string documentPath;
+    // --new FIRST LAST [--face-lines]
+    std::string firstImagePath;
+    std::string lastImagePath;
+    bool faceLines = false;
     std::string outputPath;
     std::optional<float> time;
     std::optional<std::uint32_t> frames;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "cli/cli_runner.h"
 
+#include "cli/new_document.h"
 #include "cli/progress_bar.h"
 #include "cli/warp_field_writer.h"
 #include "model/morph_document.h"
@@ -225,6 +226,8 @@ int printInfo(const MorphDocument& document, std::ostream& out)
 
 int runCli(const CliOptions& options, std::ostream& out, std::ostream& err)
 {
+    if (options.mode == CliMode::NewDocument)
+        return runNewDocument(options, out, err);
     MorphDocument document;
     if (!openDocument(options, document, err))
         return StopRequest::isRequested() ? interrupted(err) : kExitFailure;
@@ -240,6 +243,7 @@ int runCli(const CliOptions& options, std::ostream& out, std::ostream& err)
     case CliMode::WarpField:
         return writeFrameWarpField(options, document, err);
     case CliMode::Info:
+    case CliMode::NewDocument:
     case CliMode::Frame:
     case CliMode::Help:
         break;

@@ -60,6 +60,13 @@ TEST(CliOptions, ModesFollowTheOutputExtensionAndOptions)
     EXPECT_EQ(warp.options->mode, CliMode::WarpField);
     EXPECT_EQ(warp.options->outputPath, "f.bin");
 
+    auto fresh = parse({"--new", "a.png", "b.jpg", "-o", "faces.plyra", "--face-lines"});
+    ASSERT_TRUE(fresh.options) << fresh.error;
+    EXPECT_EQ(fresh.options->mode, CliMode::NewDocument);
+    EXPECT_EQ(fresh.options->firstImagePath, "a.png");
+    EXPECT_EQ(fresh.options->lastImagePath, "b.jpg");
+    EXPECT_TRUE(fresh.options->faceLines);
+
     EXPECT_EQ(parse({"--help"}).options->mode, CliMode::Help);
 }
 
@@ -95,6 +102,12 @@ TEST(CliOptions, UsageErrorsSayWhatIsWrong)
         {{"doc.plyra", "--interval", "nan"}, "--interval needs"},
         {{"a.plyra", "b.plyra"}, "only one document"},
         {{"doc.plyra", "--info", "-o", "x.jpg"}, "--info prints the document"},
+        {{"--new", "a.png"}, "--new needs a first and a last image"},
+        {{"--new", "a.png", "b.png"}, "--new needs -o DOC.plyra"},
+        {{"--new", "a.png", "b.png", "-o", "x.jpg"}, "-o needs a name ending in .plyra"},
+        {{"doc.plyra", "--new", "a.png", "b.png", "-o", "x.plyra"}, "--new makes a document and reads none"},
+        {{"--new", "a.png", "b.png", "-o", "x.plyra", "--frames", "3"}, "--new takes only"},
+        {{"doc.plyra", "--face-lines"}, "--face-lines is for --new"},
     };
     for (const auto& [args, expected] : cases) {
         const CliParseResult result = parseCliOptions(args);
@@ -102,7 +115,7 @@ TEST(CliOptions, UsageErrorsSayWhatIsWrong)
         EXPECT_NE(result.error.find(expected), std::string::npos) << result.error;
         EXPECT_EQ(result.error.find('\n'), std::string::npos) << "one line: " << result.error;
     }
-    for (const char* shown : {"--warp-field", "MOVIE.gif", "NAME_%04d.png", ".png", ".tif", "jpeg"})
+    for (const char* shown : {"--warp-field", "--face-lines", "MOVIE.gif", "NAME_%04d.png", ".png", ".tif", "jpeg"})
         EXPECT_NE(cliUsage().find(shown), std::string::npos) << shown;
 }
 

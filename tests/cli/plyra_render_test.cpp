@@ -17,6 +17,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstring>
 
@@ -235,6 +236,62 @@ TEST_F(PlyraRenderTest, WritesTheWarpFieldOfOneFrame)
     std::memcpy(node, bytes.constData() + newline + 1 + 6 * 16, 16);
     EXPECT_NEAR(node[0], 40.0f, 1e-3f);
     EXPECT_NEAR(node[1], 0.0f, 1e-3f);
+}
+
+// --new: the checks run before anything is written, and nothing is written on failure.
+TEST_F(PlyraRenderTest, NewRefusesBadInputsAndOutputsWritingNothing)
+{
+    makeDocument();
+    const QString image = dir.filePath(u"image0.png"_s);
+    const QString garbage = dir.filePath(u"garbage.png"_s);
+    QFile file(garbage);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("not a picture");
+    file.close();
+    const QString fresh = dir.filePath(u"new.plyra"_s);
+    const std::vector<std::pair<QStringList, const char*>> cases{
+        {{dir.filePath(u"missing.png"_s), image, u"-o"_s, fresh}, "cannot read the first image"},
+        {{image, garbage, u"-o"_s, fresh}, "cannot read the last image"},
+        {{image, image, u"-o"_s, dir.filePath(u"doc.plyra"_s)}, "it exists already"},
+        {{image, image, u"-o"_s, image + u"/inside.plyra"_s}, "inside the image"},
+    };
+    for (const auto& [arguments, expected] : cases) {
+        const RunResult result = run(QStringList{u"--new"_s} + arguments);
+        EXPECT_EQ(result.exitCode, 1) << expected;
+        EXPECT_TRUE(result.err.contains(expected)) << result.err.toStdString();
+        EXPECT_FALSE(QFile::exists(fresh)) << expected;
+    }
+    // Plain colours hold no face.
+    const RunResult faceless = run({u"--new"_s, image, dir.filePath(u"image1.png"_s), u"-o"_s, fresh, u"--face-lines"_s});
+    EXPECT_EQ(faceless.exitCode, 1);
+    EXPECT_TRUE(faceless.err.contains("no face found in the first image") || faceless.err.contains("not available in this build"))
+        << faceless.err.toStdString();
+    EXPECT_FALSE(QFile::exists(fresh));
+}
+
+// Two portraits become a document with their face lines, which then renders as a movie.
+TEST_F(PlyraRenderTest, NewWithFaceLinesMakesADocumentThatRenders)
+{
+    const QString document = dir.filePath(u"faces.plyra"_s);
+    const QString photos = QStringLiteral(PLYRA_TEST_DATA "/photos/");
+    const RunResult made = run({u"--new"_s, photos + u"ast_face.png"_s, photos + u"hopper_face.png"_s, u"-o"_s, document, u"--face-lines"_s});
+    if (made.err.contains("not available in this build"))
+        GTEST_SKIP() << "this build has no face networks";
+    ASSERT_EQ(made.exitCode, 0) << made.err.toStdString();
+    MorphDocument read;
+    ASSERT_TRUE(read.readFromFile(document));
+    EXPECT_EQ(read.frameSize(), QSizeF(300, 300));
+    EXPECT_EQ(read.codecFormat(), u"mp4v"_s);
+    ASSERT_EQ(read.morphLines().size(), 39u);
+    // Eleven chains: the lines of a chain join end to start, its first line has no predecessor.
+    const auto chainStarts = std::count_if(read.morphLines().begin(), read.morphLines().end(),
+        [](const MorphLine::Ptr& line) { return !line->attachedLineAtStart(); });
+    EXPECT_EQ(chainStarts, 11);
+
+    const QString movie = dir.filePath(u"faces.mov"_s);
+    const RunResult rendered = run({document, u"-o"_s, movie, u"--frames"_s, u"4"_s, u"--quiet"_s});
+    ASSERT_EQ(rendered.exitCode, 0) << rendered.err.toStdString();
+    EXPECT_EQ(test::probeVideo(QFile::encodeName(movie).toStdString()).at("nb_read_frames"), "4");
 }
 
 } // namespace

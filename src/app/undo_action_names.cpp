@@ -17,6 +17,7 @@ namespace {
     QT_TRANSLATE_NOOP("UndoAction", "Connect line"),
     QT_TRANSLATE_NOOP("UndoAction", "Disconnect line"),
     QT_TRANSLATE_NOOP("UndoAction", "Create lines"),
+    QT_TRANSLATE_NOOP("UndoAction", "Add Face Lines"),
 };
 
 } // namespace

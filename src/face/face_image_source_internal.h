@@ -7,10 +7,9 @@
 
 namespace plyra::face_internal {
 
-/// A bitmap image as the face networks see it: upright (y down), RGB, sampled from the
-/// image's box-filtered level that is closest above the resolution a crop needs, so that
-/// a crop of a 24-megapixel photograph reads a few hundred thousand pixels, not all.
-/// Threads: any; the image's levels are shared and built once.
+/// A bitmap image as the face networks see it: square crops, upright (y down), RGB,
+/// filtered to their own resolution without reducing the whole picture first.
+/// Threads: any; the image is only read.
 class FaceImageSource {
 public:
     explicit FaceImageSource(Image image);
@@ -24,6 +23,7 @@ public:
     cv::Mat crop(const cv::Matx23d& cropToImage, int size) const;
 
 private:
+    static constexpr int kMaxSupersampling = 4;
     Image m_image;
 };
 

@@ -102,6 +102,14 @@
         <source>Show Colours</source>
         <translation>Farben einblenden</translation>
     </message>
+    <message>
+        <source>Face Lines</source>
+        <translation>Gesichtslinien</translation>
+    </message>
+    <message>
+        <source>Add Face Lines</source>
+        <translation>Gesichtslinien hinzufügen</translation>
+    </message>
 </context>
 <context>
     <name>MainMenu</name>
@@ -225,6 +233,10 @@
     <message>
         <source>Create lines</source>
         <translation>Linien erstellen</translation>
+    </message>
+    <message>
+        <source>Add Face Lines</source>
+        <translation>Gesichtslinien hinzufügen</translation>
     </message>
 </context>
 <context>
@@ -365,6 +377,10 @@
         <source>Show &amp;Colours</source>
         <translation>&amp;Farben einblenden</translation>
     </message>
+    <message>
+        <source>Add &amp;Face Lines</source>
+        <translation>&amp;Gesichtslinien hinzufügen</translation>
+    </message>
 </context>
 <context>
     <name>main</name>
@@ -414,6 +430,29 @@
     <message>
         <source>A document of that name is open in another window.</source>
         <translation>Ein Dokument dieses Namens ist in einem anderen Fenster geöffnet.</translation>
+    </message>
+</context>
+<context>
+    <name>plyra::FaceLinesCommand</name>
+    <message>
+        <source>Finding the faces…</source>
+        <translation>Gesichter werden gesucht …</translation>
+    </message>
+    <message>
+        <source>The images changed while the faces were searched; no lines were added.</source>
+        <translation>Die Bilder haben sich während der Suche nach den Gesichtern geändert; es wurden keine Linien hinzugefügt.</translation>
+    </message>
+    <message>
+        <source>No face found in the first image.</source>
+        <translation>Im ersten Bild wurde kein Gesicht gefunden.</translation>
+    </message>
+    <message>
+        <source>No face found in the last image.</source>
+        <translation>Im letzten Bild wurde kein Gesicht gefunden.</translation>
+    </message>
+    <message>
+        <source>Added %1 face lines.</source>
+        <translation>%1 Gesichtslinien hinzugefügt.</translation>
     </message>
 </context>
 <context>
@@ -490,6 +529,10 @@
     <message>
         <source>%1[*] — Plyra</source>
         <translation>%1[*] — Plyra</translation>
+    </message>
+    <message>
+        <source>Face lines are not available in this build.</source>
+        <translation>Gesichtslinien sind in dieser Ausgabe nicht verfügbar.</translation>
     </message>
 </context>
 <context>

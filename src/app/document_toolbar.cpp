@@ -24,6 +24,7 @@ const ItemInfo kItemTable[] = {
     {"inspector", Command::ShowInspector, QT_TRANSLATE_NOOP("DocumentToolbar", "Inspector"), QT_TRANSLATE_NOOP("DocumentToolbar", "Inspector")},
     {"showMorphFrameWindow", Command::RenderImage, QT_TRANSLATE_NOOP("DocumentToolbar", "Render image"), QT_TRANSLATE_NOOP("DocumentToolbar", "Render morph image")},
     {"showMorphMovieWindow", Command::RenderMovie, QT_TRANSLATE_NOOP("DocumentToolbar", "Render movie"), QT_TRANSLATE_NOOP("DocumentToolbar", "Render morph movie")},
+    {"addFaceLines", Command::AddFaceLines, QT_TRANSLATE_NOOP("DocumentToolbar", "Face Lines"), QT_TRANSLATE_NOOP("DocumentToolbar", "Add Face Lines")},
     {"zoomIn", Command::ZoomIn, QT_TRANSLATE_NOOP("DocumentToolbar", "Zoom in"), QT_TRANSLATE_NOOP("DocumentToolbar", "Zoom in editor")},
     {"zoomOut", Command::ZoomOut, QT_TRANSLATE_NOOP("DocumentToolbar", "Zoom out"), QT_TRANSLATE_NOOP("DocumentToolbar", "Zoom out editor")},
     {"center", Command::CenterSelection, QT_TRANSLATE_NOOP("DocumentToolbar", "Center"), QT_TRANSLATE_NOOP("DocumentToolbar", "Center selection")},
@@ -57,13 +58,13 @@ DocumentToolbar::DocumentToolbar(QMainWindow* window, WindowActions& actions)
 QStringList DocumentToolbar::defaultItems()
 {
     return {QStringLiteral("togglePreviewDrawer"), QStringLiteral("showMorphFrameWindow"), QStringLiteral("showMorphMovieWindow"),
-        QLatin1String(kLineColorIdentifier), QLatin1String(kFlexibleSpace), QStringLiteral("inspector")};
+        QStringLiteral("addFaceLines"), QLatin1String(kLineColorIdentifier), QLatin1String(kFlexibleSpace), QStringLiteral("inspector")};
 }
 
 QStringList DocumentToolbar::allowedItems()
 {
     return {QStringLiteral("togglePreviewDrawer"), QStringLiteral("showMorphFrameWindow"), QStringLiteral("showMorphMovieWindow"),
-        QLatin1String(kLineColorIdentifier), QStringLiteral("zoomIn"), QStringLiteral("zoomOut"), QStringLiteral("center"),
+        QStringLiteral("addFaceLines"), QLatin1String(kLineColorIdentifier), QStringLiteral("zoomIn"), QStringLiteral("zoomOut"), QStringLiteral("center"),
         QStringLiteral("inspector"), QStringLiteral("NSToolbarShowColorsItem"), QLatin1String(kSeparator), QLatin1String(kSpace),
         QLatin1String(kFlexibleSpace)};
 }

@@ -45,7 +45,9 @@ FaceLinesCommand::~FaceLinesCommand()
 
 bool FaceLinesCommand::isAvailable()
 {
-    return FaceModelFiles::find().has_value();
+    // The networks are installed with the program; one look is enough.
+    static const bool available = FaceModelFiles::find().has_value();
+    return available;
 }
 
 void FaceLinesCommand::runOnWorker(std::function<void()> job)

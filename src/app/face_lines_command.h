@@ -36,7 +36,7 @@ public:
     FaceLinesCommand(MorphDocument& document, FaceFinder finder, Runner runner, QObject* parent = nullptr);
     ~FaceLinesCommand() override;
 
-    /// Whether this build has the face networks.
+    /// Whether this build has the face networks (looked up once).
     static bool isAvailable();
     bool isRunning() const { return m_running; }
     void run();

@@ -60,6 +60,8 @@ void buildMainMenu(QMenuBar* bar, WindowActions& actions, ApplicationCommands& c
     addActions(edit, actions, {Command::Undo, Command::Redo});
     edit->addSeparator();
     addActions(edit, actions, {Command::Delete, Command::SelectAll, Command::SelectNone, Command::SelectAttached});
+    edit->addSeparator();
+    addActions(edit, actions, {Command::AddFaceLines});
 
     QMenu* view = bar->addMenu(menuText(QT_TRANSLATE_NOOP("MainMenu", "&View")));
     view->setObjectName(QStringLiteral("viewMenu"));

@@ -4,6 +4,7 @@
 #include "app/application_commands.h"
 #include "app/document_toolbar.h"
 #include "app/editor_zoom.h"
+#include "app/face_lines_command.h"
 #include "app/image_chooser.h"
 #include "app/line_color_well.h"
 #include "app/localization.h"
@@ -94,6 +95,7 @@ MorphEditorWindowController::MorphEditorWindowController(std::unique_ptr<MorphDo
     m_edited.markSaved(*m_document);
     applyBackground();
     buildEditors();
+    buildFaceLines();
     buildActions();
     buildToolbar();
     buildMainMenu(menuBar(), *m_actions, m_commands);
@@ -119,6 +121,8 @@ MorphEditorWindowController::~MorphEditorWindowController()
     m_document->undoManager().setChangeCallback(nullptr);
     // Everything that refers to the document goes before it does.
     closeDocumentWindows();
+    delete m_faceLines;
+    m_faceLines = nullptr;
     delete m_previewDock;
     m_previewDock = nullptr;
     delete m_editorSplitView;
@@ -196,6 +200,7 @@ void MorphEditorWindowController::buildActions()
     a.setHandler(Command::SelectAll, [this] { finishGestures(); focusedEditor()->selectAll(); });
     a.setHandler(Command::SelectNone, [this] { finishGestures(); focusedEditor()->selectNone(); });
     a.setHandler(Command::SelectAttached, [this] { finishGestures(); focusedEditor()->selectAttachedLines(); });
+    a.setHandler(Command::AddFaceLines, [this] { finishGestures(); m_faceLines->run(); });
     a.setHandler(Command::ZoomIn, [this] { zoomInEditors(); });
     a.setHandler(Command::ZoomOut, [this] { zoomOutEditors(); });
     a.setHandler(Command::CenterSelection, [this] { centerSelection(); });
@@ -223,6 +228,7 @@ void MorphEditorWindowController::buildActions()
     a.setEnabledRule(Command::SelectAll, [lines, selection] { return lines().size() != selection().size(); });
     a.setEnabledRule(Command::SelectNone, [selection] { return !selection().empty(); });
     a.setEnabledRule(Command::SelectAttached, [this] { return canSelectAttached(); });
+    a.setEnabledRule(Command::AddFaceLines, [this] { return FaceLinesCommand::isAvailable() && hasAnyImage() && !m_faceLines->isRunning(); });
     a.setEnabledRule(Command::ZoomIn, [this] { return hasAnyImage(); });
     a.setEnabledRule(Command::ZoomOut, [this] { return hasAnyImage(); });
     a.setEnabledRule(Command::CenterSelection, [this] { return hasAnyImage(); });
@@ -234,6 +240,18 @@ void MorphEditorWindowController::buildToolbar()
 {
     m_toolbar = new DocumentToolbar(this, *m_actions);
     connect(m_toolbar->lineColorWell(), &LineColorWell::colorChosen, this, &MorphEditorWindowController::lineColorChosen);
+    if (!FaceLinesCommand::isAvailable())
+        m_actions->action(Command::AddFaceLines)->setToolTip(tr("Face lines are not available in this build."));
+}
+
+void MorphEditorWindowController::buildFaceLines()
+{
+    m_faceLines = new FaceLinesCommand(*m_document, this);
+    // "Finding the faces…" stays until the result replaces it.
+    connect(m_faceLines, &FaceLinesCommand::statusChanged, this, [this](const QString& message) {
+        statusBar()->showMessage(message, m_faceLines->isRunning() ? 0 : kStatusMessageMs);
+    });
+    connect(m_faceLines, &FaceLinesCommand::runningChanged, this, [this] { refreshState(); });
 }
 
 void MorphEditorWindowController::observeDocument()

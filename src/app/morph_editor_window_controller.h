@@ -22,6 +22,7 @@ namespace plyra {
 class ApplicationCommands;
 class DocumentToolbar;
 class EditorZoom;
+class FaceLinesCommand;
 class MorphDocument;
 class MorphEditor;
 class PreviewDock;
@@ -99,6 +100,7 @@ private:
     void buildActions();
     void buildToolbar();
     void buildPreviewDrawer();
+    void buildFaceLines();
     void registerInspector();
     void renameRenderWindows();
     void postFrameTimeUpdated();
@@ -125,6 +127,7 @@ private:
     DocumentEditedState m_edited;
     ApplicationCommands& m_commands;
     WindowActions* m_actions = nullptr;
+    FaceLinesCommand* m_faceLines = nullptr;
     DocumentToolbar* m_toolbar = nullptr;
     QSplitter* m_editorSplitView = nullptr;
     MorphEditor* m_firstEditor = nullptr;

@@ -44,6 +44,7 @@ const std::vector<CommandInfo>& commandTable()
         {Command::SelectAll, "selectAll", QT_TRANSLATE_NOOP("WindowActions", "Select &All"), QKeySequence::SelectAll, "edit-select-all"},
         {Command::SelectNone, "selectNone", QT_TRANSLATE_NOOP("WindowActions", "Select &None"), QKeySequence(QStringLiteral("Ctrl+Shift+A"))},
         {Command::SelectAttached, "selectAttached", QT_TRANSLATE_NOOP("WindowActions", "Select A&ttached Lines"), QKeySequence(QStringLiteral("Ctrl+Shift+E"))},
+        {Command::AddFaceLines, "addFaceLines", QT_TRANSLATE_NOOP("WindowActions", "Add &Face Lines"), QKeySequence(), ":/app/icons/facelines.svg"},
         {Command::ZoomIn, "zoomIn", QT_TRANSLATE_NOOP("WindowActions", "Zoom &In"), QKeySequence::ZoomIn, ":/app/icons/zoomIn.svg"},
         {Command::ZoomOut, "zoomOut", QT_TRANSLATE_NOOP("WindowActions", "Zoom &Out"), QKeySequence::ZoomOut, ":/app/icons/zoomOut.svg"},
         {Command::CenterSelection, "centerSelection", QT_TRANSLATE_NOOP("WindowActions", "&Center Selection"), QKeySequence(QStringLiteral("Ctrl+E")), ":/app/icons/center.svg"},

@@ -27,6 +27,25 @@ std::vector<cv::Point2f> shortRangeAnchors()
     return anchors;
 }
 
+// Squares of half the short side, each overlapping its neighbours by half, covering the picture.
+std::vector<FaceRegion> tiles(int width, int height)
+{
+    const double side = std::min(width, height) / 2.0;
+    const auto count = [side](int length) { return static_cast<int>(std::ceil((length - side) / (side / 2.0))) + 1; };
+    const int columns = count(width);
+    const int rows = count(height);
+    std::vector<FaceRegion> regions;
+    for (int row = 0; row < rows; ++row) {
+        for (int column = 0; column < columns; ++column) {
+            // Spread evenly, the last square flush with the far edge.
+            const double x = columns > 1 ? column * (width - side) / (columns - 1) : 0.0;
+            const double y = rows > 1 ? row * (height - side) / (rows - 1) : 0.0;
+            regions.push_back({{x + side / 2.0, y + side / 2.0}, side, 0.0});
+        }
+    }
+    return regions;
+}
+
 double overlap(const cv::Rect2d& a, const cv::Rect2d& b)
 {
     const double common = (a & b).area();
@@ -84,11 +103,26 @@ std::array<cv::Mat, 2> FaceDetector::run(const cv::Mat& rgb)
 std::vector<FaceDetection> FaceDetector::detect(const FaceImageSource& image, float minScore)
 {
     // The whole picture, letterboxed into the square the network sees.
-    const FaceRegion whole{{image.width() / 2.0, image.height() / 2.0}, static_cast<double>(std::max(image.width(), image.height())), 0.0};
-    const std::array<cv::Mat, 2> outputs = run(image.crop(whole.cropToImage(kInputSize), kInputSize));
+    const double longSide = std::max(image.width(), image.height());
+    std::vector<FaceDetection> found = detectIn(image, {{image.width() / 2.0, image.height() / 2.0}, longSide, 0.0}, minScore);
+    if (found.empty()) {
+        // A face under about a tenth of the picture is too small for the detector at that
+        // scale: look again in overlapping squares of half the short side.
+        for (const FaceRegion& tile : tiles(image.width(), image.height())) {
+            std::vector<FaceDetection> more = detectIn(image, tile, minScore);
+            found.insert(found.end(), more.begin(), more.end());
+        }
+    }
+    return mergeOverlapping(std::move(found));
+}
+
+std::vector<FaceDetection> FaceDetector::detectIn(const FaceImageSource& image, const FaceRegion& region, float minScore)
+{
+    const std::array<cv::Mat, 2> outputs = run(image.crop(region.cropToImage(kInputSize), kInputSize));
     const float* boxes = outputs[0].ptr<float>();
     const float* scores = outputs[1].ptr<float>();
-    const auto toImage = [&](float x, float y) { return whole.toImage({x * kInputSize, y * kInputSize}, kInputSize); };
+    const auto toImage = [&](float x, float y) { return region.toImage({x * kInputSize, y * kInputSize}, kInputSize); };
+    const double side = region.size / kInputSize;
     std::vector<FaceDetection> candidates;
     for (std::size_t i = 0; i < m_anchors.size(); ++i) {
         const float score = 1.0f / (1.0f + std::exp(-std::clamp(scores[i], -kScoreClip, kScoreClip)));
@@ -99,14 +133,13 @@ std::vector<FaceDetection> FaceDetector::detect(const FaceImageSource& image, fl
         const auto point = [&](int k) { return toImage(v[k] / kInputSize + a.x, v[k + 1] / kInputSize + a.y); };
         FaceDetection d;
         const cv::Point2d centre = point(0);
-        const double side = whole.size / kInputSize;
         d.box = {centre.x - v[2] * side / 2, centre.y - v[3] * side / 2, v[2] * side, v[3] * side};
         for (int k = 0; k < 6; ++k)
             d.keypoints[static_cast<std::size_t>(k)] = point(4 + 2 * k);
         d.score = score;
         candidates.push_back(d);
     }
-    return mergeOverlapping(std::move(candidates));
+    return candidates;
 }
 
 } // namespace plyra::face_internal

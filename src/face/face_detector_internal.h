@@ -31,13 +31,16 @@ public:
     /// Throws cv::Exception when the file is not a network OpenCV reads.
     explicit FaceDetector(const std::string& onnxPath);
 
-    /// The faces with a score of at least minScore, most confident first.
+    /// The faces with a score of at least minScore, most confident first; small faces
+    /// are looked for in parts of the picture when the whole shows none.
     std::vector<FaceDetection> detect(const FaceImageSource& image, float minScore = 0.5f);
 
     /// The network's raw outputs (boxes, scores) for an RGB picture of kInputSize pixels.
     std::array<cv::Mat, 2> run(const cv::Mat& rgb);
 
 private:
+    std::vector<FaceDetection> detectIn(const FaceImageSource& image, const FaceRegion& region, float minScore);
+
     cv::dnn::Net m_net;
     std::vector<cv::Point2f> m_anchors;
 };

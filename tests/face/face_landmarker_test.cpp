@@ -86,11 +86,18 @@ TEST(FaceLandmarker, LandmarksFollowTheFaceWhenThePictureTurnsScalesAndMoves)
     }
 }
 
-TEST(FaceLandmarker, APictureWithoutAFaceGivesNoLandmarks)
+// A face of a sixteenth of the picture's width is found in a part of it; a picture
+// without a face gives nothing.
+TEST(FaceLandmarker, FindsSmallFacesAndNothingWhereThereIsNone)
 {
     const auto landmarker = test::landmarkerOrSkip();
     if (!landmarker)
         GTEST_SKIP() << "this build has no face networks";
+    cv::Mat wide(1800, 2400, CV_8UC3, cv::Scalar(160, 180, 200));
+    cv::imread(photoPath("hopper_face.png")).copyTo(wide(cv::Rect(1500, 300, 300, 300)));
+    const auto small = landmarker->find(imageFromPicture(wide));
+    ASSERT_TRUE(small);
+    EXPECT_TRUE(cv::Rect(1500, 300, 300, 300).contains(inPixels(*small, wide.size())[1]));
     cv::Mat gradient(240, 320, CV_8UC3);
     for (int y = 0; y < gradient.rows; ++y)
         gradient.row(y).setTo(cv::Scalar(y, 128, 255 - y));

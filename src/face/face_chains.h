@@ -9,6 +9,7 @@ namespace plyra {
 /// FaceLandmarks::points). "Left" and "right" are the picture's. Chains that meet at a
 /// feature's corners (the lids of an eye, the lips) share those landmarks and run in
 /// the same direction, from the picture's left to its right or from top to bottom.
+/// Threads: the table is built once and only read.
 struct FaceChain {
     const char* name;
     std::vector<int> landmarks;

@@ -10,6 +10,7 @@ namespace plyra::face_internal {
 /// A square part of an image turned by an angle: what the landmark network looks at.
 /// Coordinates are full-size pixels of the upright picture (x right, y down, continuous:
 /// pixel (0, 0) covers [0, 1) × [0, 1)).
+/// Threads: a plain value.
 struct FaceRegion {
     cv::Point2d centre;
     double size = 0.0;

@@ -41,6 +41,10 @@ MorphDocument::MorphDocument()
 {
     m_morphLines.reserve(20);
     m_selectedLines.reserve(20);
+    // Selecting is no edit of its own; each edit puts back the selection it had.
+    m_undoManager.setStateCapture([this] {
+        return [this, selection = m_selectedLines] { restoreSelection(selection); };
+    });
     // New documents start with the codec settings the user chose last.
     const UserDefaults& defaults = UserDefaults::standard();
     const QString format = defaults.string(QStringLiteral("codecFormat"));
@@ -135,9 +139,6 @@ void MorphDocument::insertObjectInSelectedLinesAtIndex(const MorphLine::Ptr& lin
         return;
     index = std::min(index, m_selectedLines.size());
     m_selectedLines.insert(m_selectedLines.begin() + static_cast<std::ptrdiff_t>(index), line);
-    // Undone by the line rather than by the index: redoing a deletion deselects the line
-    // before this runs, and an index would then name another line.
-    registerUndo([this, line] { deselectLine(line); });
     postSelectionUpdated();
 }
 
@@ -145,8 +146,6 @@ void MorphDocument::removeObjectFromSelectedLinesAtIndex(std::size_t index)
 {
     if (index >= m_selectedLines.size())
         return;
-    const MorphLine::Ptr line = m_selectedLines[index];
-    registerUndo([this, line, index] { insertObjectInSelectedLinesAtIndex(line, index); });
     m_selectedLines.erase(m_selectedLines.begin() + static_cast<std::ptrdiff_t>(index));
     postSelectionUpdated();
 }
@@ -157,6 +156,18 @@ void MorphDocument::setSelectedLines(const std::vector<MorphLine::Ptr>& lines)
         removeObjectFromSelectedLinesAtIndex(m_selectedLines.size() - 1);
     for (const MorphLine::Ptr& line : lines)
         insertObjectInSelectedLinesAtIndex(line, m_selectedLines.size());
+}
+
+void MorphDocument::restoreSelection(const std::vector<MorphLine::Ptr>& lines)
+{
+    std::vector<MorphLine::Ptr> present;
+    for (const MorphLine::Ptr& line : lines)
+        if (std::find(m_morphLines.begin(), m_morphLines.end(), line) != m_morphLines.end())
+            present.push_back(line);
+    if (present == m_selectedLines)
+        return;
+    m_selectedLines = std::move(present);
+    postSelectionUpdated();
 }
 
 void MorphDocument::deselectLine(const MorphLine::Ptr& line)

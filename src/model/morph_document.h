@@ -26,10 +26,11 @@ inline constexpr const char* kSelectionUpdatedNotification = "selectionUpdated";
 
 /// The morph document: the two track images by location, the lines and their
 /// selection, the colour lines are drawn in, the output frame size and the movie codec
-/// settings. Every edit of lines, selection, images and colour registers its inverse
-/// with the document's undo manager and posts "objectsUpdated" or "selectionUpdated",
-/// coalesced per pass of the main run loop, with the document as object: observers
-/// follow one document by passing notificationObject() to addObserver().
+/// settings. Every edit of lines, images and colour registers its inverse with the
+/// document's undo manager, and undoing or redoing it puts back the selection of that
+/// moment; selecting alone is no undo step. Changes post "objectsUpdated" or
+/// "selectionUpdated", coalesced per pass of the main run loop, with the document as
+/// object: observers follow one document by passing notificationObject() to addObserver().
 /// Threads: main thread only. The frame engine gets rendering images and copies of the
 /// lines, never the document.
 class MorphDocument : public MorphEditorDataSource {
@@ -119,6 +120,8 @@ private:
     TrackImage& trackFor(unsigned track) const { return m_tracks[track == 0 ? 0 : 1]; }
     void joinToCoincidingLine(const MorphLine::Ptr& line);
     void deselectLine(const MorphLine::Ptr& line);
+    /// The selection as it was, less the lines no longer in the document.
+    void restoreSelection(const std::vector<MorphLine::Ptr>& lines);
     void registerUndo(std::function<void()> action, const char* actionName = nullptr);
     void postObjectsUpdated();
     void postSelectionUpdated();

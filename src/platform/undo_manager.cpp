@@ -45,8 +45,11 @@ void UndoManager::setActionName(const std::string& name)
 
 void UndoManager::beginUndoGrouping()
 {
+    const bool newStep = m_openGroups.empty() && m_state == State::Normal;
     m_openGroups.emplace_back();
     m_openGroups.back().id = m_nextGroupId++;
+    if (newStep && m_capture)
+        m_openGroups.back().restoreBefore = m_capture();
 }
 
 void UndoManager::endUndoGrouping()
@@ -70,6 +73,8 @@ void UndoManager::endUndoGrouping()
     m_autoGroupOpen = false;
     if (group.entries.empty())
         return;
+    if (m_state == State::Normal && m_capture)
+        group.restoreAfter = m_capture();
     stackBeingBuilt().push_back(std::move(group));
     notifyChanged();
 }
@@ -149,8 +154,15 @@ void UndoManager::runTopGroup(std::vector<Group>& from, State state)
     beginUndoGrouping();
     for (auto it = group.entries.rbegin(); it != group.entries.rend(); ++it)
         it->action();
-    m_openGroups.back().name = group.name;
-    m_openGroups.back().id = group.id;
+    // Undo puts back the state of the step's beginning, redo that of its end.
+    const Action& restore = state == State::Undoing ? group.restoreBefore : group.restoreAfter;
+    if (restore)
+        restore();
+    Group& rebuilt = m_openGroups.back();
+    rebuilt.name = group.name;
+    rebuilt.id = group.id;
+    rebuilt.restoreBefore = std::move(group.restoreBefore);
+    rebuilt.restoreAfter = std::move(group.restoreAfter);
     endUndoGrouping();
     m_state = State::Normal;
     notifyChanged();
@@ -224,6 +236,31 @@ std::vector<std::uint64_t> UndoManager::namedUndoStepIds() const
         if (!group.name.empty())
             ids.push_back(group.id);
     return ids;
+}
+
+std::uint64_t UndoManager::openStepId() const
+{
+    for (const Group& group : m_openGroups)
+        if (!group.entries.empty())
+            return m_openGroups.front().id;
+    return 0;
+}
+
+std::uint64_t UndoManager::lastStepId() const
+{
+    return m_undoStack.empty() ? 0 : m_undoStack.back().id;
+}
+
+bool UndoManager::reopenLastStep()
+{
+    if (!m_openGroups.empty() || m_state != State::Normal || m_undoStack.empty() || !isUndoRegistrationEnabled())
+        return false;
+    m_openGroups.push_back(std::move(m_undoStack.back()));
+    m_undoStack.pop_back();
+    m_openGroups.back().id = m_nextGroupId++;
+    m_autoGroupOpen = true;
+    scheduleAutomaticClose();
+    return true;
 }
 
 int UndoManager::undoStepCount() const

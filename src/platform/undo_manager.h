@@ -12,7 +12,9 @@ namespace plyra {
 /// Records the inverse of every change at the time of the change. All registrations of
 /// one pass of the main run loop form one undo step (an automatic group, closed at the
 /// end of the pass). Undoing a step runs its inverses in reverse order; what they
-/// register becomes the redo step, and redoing registers the undo step again.
+/// register becomes the redo step, and redoing registers the undo step again. State that
+/// is not undone change by change (a selection) is captured when a step begins and when
+/// it ends, and put back after undoing and after redoing the step.
 /// Threads: main thread only.
 class UndoManager {
 public:
@@ -23,8 +25,12 @@ public:
     UndoManager(const UndoManager&) = delete;
     UndoManager& operator=(const UndoManager&) = delete;
 
+    /// Makes an action that puts back the state of the moment (see the class comment).
+    using StateCapture = std::function<Action()>;
+
     /// target identifies whose action this is, for removeAllActionsWithTarget().
     void registerUndo(const void* target, Action action);
+    void setStateCapture(StateCapture capture) { m_capture = std::move(capture); }
     /// Names the step being built (or, outside a group, the last step on the undo stack).
     void setActionName(const std::string& name);
 
@@ -59,8 +65,17 @@ public:
 
     /// Identifies the named steps on the undo stack, oldest first. A step keeps its
     /// identity through undo and redo, so a document can tell whether it is back at the
-    /// state it last saved; steps without a name (selection changes) are not edits.
+    /// state it last saved; steps without a name are not edits.
     std::vector<std::uint64_t> namedUndoStepIds() const;
+    /// The step being built when it holds changes, else 0.
+    std::uint64_t openStepId() const;
+    /// The newest step on the undo stack, else 0.
+    std::uint64_t lastStepId() const;
+    /// Makes the newest undo step the one being built again, so that the changes of this
+    /// pass join it. It takes a new identity: a document saved in between counts as
+    /// edited. False, and nothing changes, while a step is being built or undone, or
+    /// when there is no step.
+    bool reopenLastStep();
 
     /// Called after every change of the stacks (for menus that show the titles).
     void setChangeCallback(std::function<void()> callback) { m_changed = std::move(callback); }
@@ -74,6 +89,8 @@ private:
         std::vector<Entry> entries;
         std::string name;
         std::uint64_t id = 0;
+        Action restoreBefore; // the captured state where the step began
+        Action restoreAfter;  // and where it ended
     };
     enum class State { Normal, Undoing, Redoing };
 
@@ -92,6 +109,7 @@ private:
     bool m_autoGroupOpen = false;
     bool m_closeScheduled = false; // an end-of-pass close is pending
     std::function<void()> m_changed;
+    StateCapture m_capture;
     std::shared_ptr<bool> m_alive;
     std::uint64_t m_nextGroupId = 1;
 };

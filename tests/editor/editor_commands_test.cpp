@@ -158,8 +158,7 @@ void EditorCommandsTest::selectAllAppendsInListOrderAndSelectNoneEmpties()
     f.editor->selectNone();
     QVERIFY(f.document.selectedLines().empty());
     f.endPass();
-    f.document.undoManager().undo();
-    QCOMPARE(f.selection(), (std::vector<int>{3, 1, 0, 2, 4}));
+    QVERIFY(!f.document.undoManager().canUndo());
 }
 
 void EditorCommandsTest::clearDeletesTheSelection()

@@ -166,38 +166,43 @@ TEST_F(MorphDocumentChainTest, DeleteAndUndoRestoreIndexSelectionAndJoins)
     }
 }
 
-TEST_F(MorphDocumentChainTest, SelectionChangesAreUndoableWithoutAName)
+TEST_F(MorphDocumentChainTest, SelectingIsNoUndoStepAndKeepsRedo)
 {
     document->insertObjectInSelectedLinesAtIndex(a, 0); // a duplicate and a bad index: ignored
     document->removeObjectFromSelectedLinesAtIndex(2);
     endPass();
     EXPECT_EQ(selection(), (Lines{b, a}));
     EXPECT_EQ(selectionUpdated, 0);
-    EXPECT_FALSE(undo().canUndo());
 
+    c->setEndPoint({0.95f, 0.95f}, 0, &undo());
+    endPass();
+    undo().undo();
+    document->setSelectedLines({c});
     document->removeObjectFromSelectedLinesAtIndex(0);
-    document->insertObjectInSelectedLinesAtIndex(c, 0);
-    EXPECT_TRUE(document->isLineSelected(c.get()));
-    EXPECT_FALSE(document->isLineSelected(b.get()));
+    document->insertObjectInSelectedLinesAtIndex(a, 0);
     endPass();
     EXPECT_EQ(selectionUpdated, 1);
-    EXPECT_EQ(undo().undoMenuItemTitle(), "Undo");
-    undo().undo();
-    EXPECT_EQ(selection(), (Lines{b, a}));
-    undo().redo();
-    EXPECT_EQ(selection(), (Lines{c, a}));
+    EXPECT_EQ(selection(), (Lines{a}));
+    EXPECT_FALSE(undo().canUndo());
+    EXPECT_EQ(undo().redoMenuItemTitle(), "Redo Move Line");
 }
 
-TEST_F(MorphDocumentChainTest, ReplacingTheSelectionIsOneUndoableChange)
+TEST_F(MorphDocumentChainTest, UndoAndRedoPutBackTheSelectionOfTheirStep)
 {
-    document->setSelectedLines({c, b});
-    EXPECT_EQ(selection(), (Lines{c, b}));
+    // Selected {b, a}; the move happens with {c} selected, and ends with {a, c}.
+    document->setSelectedLines({c});
+    c->setEndPoint({0.95f, 0.95f}, 0, &undo());
+    document->insertObjectInSelectedLinesAtIndex(a, 0);
     endPass();
-    EXPECT_EQ(selectionUpdated, 1);
+    document->setSelectedLines({b});
+    endPass();
     undo().undo();
-    EXPECT_EQ(selection(), (Lines{b, a}));
+    EXPECT_EQ(selection(), (Lines{c}));
+    EXPECT_EQ(c->endPointAtTime(0.0f).x, 0.9f);
+    document->setSelectedLines({});
     undo().redo();
-    EXPECT_EQ(selection(), (Lines{c, b}));
+    EXPECT_EQ(selection(), (Lines{a, c}));
+    EXPECT_EQ(c->endPointAtTime(0.0f).x, 0.95f);
 }
 
 TEST_F(MorphDocumentTest, OnlyADistinctColourObjectIsAnUndoableChange)

@@ -178,6 +178,23 @@ TEST_F(UndoManagerTest, NamedStepsKeepTheirIdentityThroughUndoAndRedo)
     EXPECT_EQ(undo.namedUndoStepIds().size(), 2u);
 }
 
+TEST_F(UndoManagerTest, AReopenedStepTakesTheNextChangesUnderANewIdentity)
+{
+    Counter c{&undo};
+    c.set(1);
+    RunLoop::main().endPass();
+    const std::vector<std::uint64_t> saved = undo.namedUndoStepIds();
+    ASSERT_TRUE(undo.reopenLastStep());
+    EXPECT_FALSE(undo.reopenLastStep()); // a step is being built
+    c.set(2);
+    RunLoop::main().endPass();
+    EXPECT_EQ(undo.undoStepCount(), 1);
+    EXPECT_NE(undo.namedUndoStepIds(), saved); // saved at 1, now at 2: edited
+    undo.undo();
+    EXPECT_EQ(c.value, 0);
+    EXPECT_FALSE(undo.reopenLastStep()); // nothing left to reopen
+}
+
 TEST_F(UndoManagerTest, ExplicitGroupInsideThePassGroupClosesWithItsOwnPass)
 {
     // A gesture opens its group in a pass that has already changed something; the

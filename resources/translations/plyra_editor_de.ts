@@ -34,10 +34,6 @@
         <translation>Linieneditor</translation>
     </message>
     <message>
-        <source>Shows one image of the morph with its lines. Click or drag to draw lines, drag a point or a line to move it, drag with the right button to select lines; arrow keys move the selected lines, Delete removes them. Drop an image file here to use it.</source>
-        <translation>Zeigt ein Bild der Überblendung mit seinen Linien. Klicken oder ziehen Sie, um Linien zu zeichnen, ziehen Sie einen Punkt oder eine Linie, um sie zu verschieben, ziehen Sie mit der rechten Maustaste, um Linien auszuwählen; die Pfeiltasten verschieben die ausgewählten Linien, Entf löscht sie. Legen Sie hier eine Bilddatei ab, um sie zu verwenden.</translation>
-    </message>
-    <message>
         <source>Drop an image here, or leave blank to just distort the first image.</source>
         <translation>Legen Sie hier ein Bild ab, oder lassen Sie das Feld leer, um nur das erste Bild zu verzerren.</translation>
     </message>
@@ -48,6 +44,14 @@
     <message>
         <source>“%1” could not be used as the image: %2</source>
         <translation>„%1“ konnte nicht als Bild verwendet werden: %2</translation>
+    </message>
+    <message>
+        <source>Shows one image of the morph with its lines. Click or drag to draw lines, drag a point or a line to move it, drag with the right button to select lines; Tab and Shift+Tab select the next and the previous line, arrow keys move the selected lines, Delete removes them and Escape clears the selection. Drop an image file here to use it.</source>
+        <translation>Zeigt ein Bild der Verwandlung mit seinen Linien. Klicken oder ziehen Sie, um Linien zu zeichnen, ziehen Sie einen Punkt oder eine Linie, um sie zu bewegen, ziehen Sie mit der rechten Taste, um Linien auszuwählen; Tab und Umschalt+Tab wählen die nächste und die vorige Linie, die Pfeiltasten bewegen die ausgewählten Linien, Entf löscht sie und Esc hebt die Auswahl auf. Legen Sie hier eine Bilddatei ab, um sie zu verwenden.</translation>
+    </message>
+    <message>
+        <source>Lines: %1, selected: %2</source>
+        <translation>Linien: %1, ausgewählt: %2</translation>
     </message>
 </context>
 </TS>

@@ -22,6 +22,9 @@ std::optional<LineEnds> DragPointGesture::overlay() const
 
 bool DragPointGesture::step(const GestureEvent& event)
 {
+    const bool released = event.type == GestureEvent::Type::LeftUp;
+    if (!moved())
+        return released;
     const Point unit = m_context.mapping.toUnit(event.location);
     UndoManager* undo = &m_context.dataSource->undoManager();
     if (m_end == End::Start) {
@@ -31,7 +34,7 @@ bool DragPointGesture::step(const GestureEvent& event)
         // The reference stays the line's start point.
         m_line->setEndPoint(unit, m_context.track, undo);
     }
-    return event.type == GestureEvent::Type::LeftUp;
+    return released;
 }
 
 } // namespace plyra

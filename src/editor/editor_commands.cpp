@@ -7,6 +7,7 @@
 #include "platform/log.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace plyra {
 
@@ -143,6 +144,32 @@ void EditorCommands::clear()
         if (index < m_dataSource.morphLines().size())
             m_dataSource.removeObjectFromMorphLinesAtIndex(index);
     }
+}
+
+bool EditorCommands::selectAdjacentLine(bool next)
+{
+    const std::vector<MorphLine::Ptr>& lines = m_dataSource.morphLines();
+    std::optional<std::size_t> first;
+    std::size_t last = 0;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        if (!m_dataSource.isLineSelected(lines[i].get()))
+            continue;
+        first = first.value_or(i);
+        last = i;
+    }
+    std::optional<std::size_t> target;
+    if (lines.empty())
+        target = std::nullopt;
+    else if (!first)
+        target = next ? 0 : lines.size() - 1;
+    else if (next && last + 1 < lines.size())
+        target = last + 1;
+    else if (!next && *first > 0)
+        target = *first - 1;
+    if (!target)
+        return false;
+    m_dataSource.setSelectedLines({lines[*target]});
+    return true;
 }
 
 ViewRect EditorCommands::rectOfSelectedLines() const

@@ -35,6 +35,10 @@ public:
     void selectAttachedLines();
     /// Deletes the selected lines, in selection order.
     void clear();
+    /// Selects the line after the last selected one (next) or before the first selected
+    /// one; the first or the last line when none is selected. False, and the selection
+    /// stays, when there is no such line.
+    bool selectAdjacentLine(bool next);
     /// The bounding box of the selected lines in view units (the zero rectangle for none).
     ViewRect rectOfSelectedLines() const;
 
@@ -59,5 +63,7 @@ std::size_t indexOfLine(const std::vector<MorphLine::Ptr>& lines, const MorphLin
 
 /// The square of the hit tolerance of 5 view units.
 inline constexpr float kHitToleranceSquared = 25.0f;
+/// The square of the distance of 1 view unit that a press must travel to drag.
+inline constexpr float kDragThresholdSquared = 1.0f;
 
 } // namespace plyra

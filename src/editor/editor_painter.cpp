@@ -82,10 +82,12 @@ void EditorPainter::paint(QPainter& painter, const QRegion& dirty, const EditorS
     }
     paintSelectionRect(painter, scene);
     painter.restore();
-    if (scene.dropHighlight) {
-        painter.setPen(QPen(*scene.dropHighlight, 3.0));
+    if (scene.dropHighlight || scene.focusFrame) {
+        const qreal width = scene.dropHighlight ? 3.0 : 2.0;
+        painter.setPen(QPen(scene.dropHighlight ? *scene.dropHighlight : *scene.focusFrame, width));
         painter.setBrush(Qt::NoBrush);
-        painter.drawRect(QRectF(scene.visibleRect).adjusted(1.5, 1.5, -1.5, -1.5));
+        const qreal inset = width / 2.0;
+        painter.drawRect(QRectF(scene.visibleRect).adjusted(inset, inset, -inset, -inset));
     }
 }
 

@@ -40,6 +40,8 @@ struct EditorScene {
     QRect visibleRect;
     /// A frame around the visible part while a usable file is dragged over the view.
     std::optional<QColor> dropHighlight;
+    /// A thinner frame around the visible part while the view has the keyboard focus.
+    std::optional<QColor> focusFrame;
 };
 
 /// Draws an editor: background, image or faint other image with the drop hint, every

@@ -9,6 +9,7 @@ namespace plyra {
 LeftButtonGesture::LeftButtonGesture(const EditorContext& context, const GestureEvent& press, Point reference)
     : EditorGesture(context)
     , m_modifiers(gestureModifiers(press.modifiers))
+    , m_press(press.location)
     , m_reference(reference)
     , m_pointer(press.location)
     , m_deselectFarLines(!m_modifiers.testFlag(Qt::ControlModifier))
@@ -34,6 +35,8 @@ void LeftButtonGesture::handle(const GestureEvent& event)
         return;
     m_pointer = event.location;
     m_hasMouseEvent = true;
+    if (squaredDistance(m_press, event.location) > kDragThresholdSquared)
+        m_moved = true;
     if (event.type == Type::LeftDragged && squaredDistance(m_reference, event.location) >= kHitToleranceSquared)
         m_dragged = true;
     if (step(event))

@@ -23,6 +23,9 @@ protected:
     virtual bool step(const GestureEvent& event) = 0;
 
     bool dragged() const { return m_dragged; }
+    /// Whether the pointer has left the press point by more than the drag threshold of
+    /// 1 unit: a click without motion moves nothing.
+    bool moved() const { return m_moved; }
     void setReference(Point reference) { m_reference = reference; }
     /// Keeps the lines away from the pointer selected after the gesture.
     void keepFarLinesSelected() { m_deselectFarLines = false; }
@@ -33,9 +36,11 @@ private:
     void end(Point finalPointer);
 
     Qt::KeyboardModifiers m_modifiers;
+    Point m_press;
     Point m_reference;
     Point m_pointer;
     bool m_dragged = false;
+    bool m_moved = false;
     bool m_deselectFarLines;
     bool m_hasMouseEvent = false;
 };

@@ -4,6 +4,7 @@
 #include "editor/editor_commands.h"
 #include "editor/editor_gesture.h"
 #include "editor/gesture_choice.h"
+#include "editor/morph_editor_accessible.h"
 #include "model/morph_document.h"
 #include "model/morph_editor_data_source.h"
 #include "platform/notification_center.h"
@@ -24,11 +25,14 @@ MorphEditor::MorphEditor(QWidget* parent)
     setContextMenuPolicy(Qt::PreventContextMenu);
     // Every paint fills what it repaints.
     setAttribute(Qt::WA_OpaquePaintEvent);
+    MorphEditorAccessible::install();
     setAccessibleName(tr("Line editor"));
-    setAccessibleDescription(tr("Shows one image of the morph with its lines. Click or drag to draw lines, "
-                                "drag a point or a line to move it, drag with the right button to select lines; "
-                                "arrow keys move the selected lines, Delete removes them. Drop an image file "
-                                "here to use it."));
+    setWhatsThis(tr("Shows one image of the morph with its lines. Click or drag to draw lines, "
+                    "drag a point or a line to move it, drag with the right button to select lines; "
+                    "Tab and Shift+Tab select the next and the previous line, arrow keys move the selected "
+                    "lines, Delete removes them and Escape clears the selection. Drop an image file "
+                    "here to use it."));
+    updateAccessibleDescription();
     m_context.mapping = {static_cast<float>(width()), static_cast<float>(height())};
 }
 
@@ -123,6 +127,17 @@ void MorphEditor::syncLines()
         m_context.track, m_context.mapping);
     if (!changed.isEmpty())
         update(changed);
+    updateAccessibleDescription();
+}
+
+void MorphEditor::updateAccessibleDescription()
+{
+    const std::size_t lines = m_context.dataSource ? m_context.dataSource->morphLines().size() : 0;
+    const std::size_t selected = m_context.dataSource ? m_context.dataSource->selectedLines().size() : 0;
+    const QString description = tr("Lines: %1, selected: %2").arg(lines).arg(selected);
+    // Each change is announced to assistive technology: only real ones.
+    if (description != accessibleDescription())
+        setAccessibleDescription(description);
 }
 
 // ---- drawing ---------------------------------------------------------------------------
@@ -154,6 +169,8 @@ EditorScene MorphEditor::scene(const QRect& visible)
     }
     if (m_dropHighlight)
         scene.dropHighlight = palette().color(QPalette::Highlight);
+    else if (hasFocus())
+        scene.focusFrame = palette().color(QPalette::Highlight);
     return scene;
 }
 
@@ -206,7 +223,7 @@ bool MorphEditor::claimsKey(int key) const
         && (key == Qt::Key_Escape || key == Qt::Key_Return || key == Qt::Key_Enter))
         return true;
     const bool selection = !m_context.dataSource->selectedLines().empty();
-    return selection && (EditorCommands::isArrowKey(key) || EditorCommands::isDeleteKey(key));
+    return selection && (EditorCommands::isArrowKey(key) || EditorCommands::isDeleteKey(key) || key == Qt::Key_Escape);
 }
 
 GestureEvent MorphEditor::gestureEvent(const QMouseEvent& event, bool press) const
@@ -270,10 +287,8 @@ void MorphEditor::dispatch(const GestureEvent& event)
     if (!m_gesture) {
         if (event.type == GestureEvent::Type::LeftDown || event.type == GestureEvent::Type::RightDown)
             startGesture(event);
-        else if (event.isKey()) {
-            commands().keyDown(event.key, event.modifiers);
-            syncLines();
-        }
+        else if (event.isKey())
+            keyCommand(event.key, event.modifiers);
         return;
     }
     if (event.isKey() && !m_gesture->tracksKeys()) {
@@ -283,6 +298,33 @@ void MorphEditor::dispatch(const GestureEvent& event)
     }
     m_gesture->handle(event);
     afterGestureEvent();
+}
+
+void MorphEditor::keyCommand(int key, Qt::KeyboardModifiers modifiers)
+{
+    MorphEditorDataSource& dataSource = *m_context.dataSource;
+    if (key == Qt::Key_Escape)
+        commands().selectNone();
+    else if (EditorCommands::isArrowKey(key) && !dataSource.selectedLines().empty())
+        m_nudges.nudge(dataSource.undoManager(), dataSource.selectedLines(), [&] { commands().keyDown(key, modifiers); });
+    else
+        commands().keyDown(key, modifiers);
+    syncLines();
+}
+
+bool MorphEditor::focusNextPrevChild(bool next)
+{
+    // Tab and Shift+Tab walk through the lines, so that the keyboard reaches each one;
+    // past the last (or before the first) they leave the editor as usual.
+    if (m_context.dataSource && hasFocus()) {
+        finishGesture();
+        if (commands().selectAdjacentLine(next)) {
+            syncLines();
+            ensureSelectionVisible();
+            return true;
+        }
+    }
+    return QWidget::focusNextPrevChild(next);
 }
 
 void MorphEditor::startGesture(const GestureEvent& press)
@@ -345,11 +387,27 @@ void MorphEditor::hideEvent(QHideEvent* event)
     QWidget::hideEvent(event);
 }
 
+void MorphEditor::focusInEvent(QFocusEvent* event)
+{
+    update(visibleRegion()); // the focus frame
+    QWidget::focusInEvent(event);
+}
+
 void MorphEditor::focusOutEvent(QFocusEvent* event)
 {
     // Events would go elsewhere from now on: a chain of lines ends here.
     finishGesture();
+    update(visibleRegion());
     QWidget::focusOutEvent(event);
+}
+
+void MorphEditor::moveEvent(QMoveEvent* event)
+{
+    // Scrolling moves the editor in its scroll area: the focus frame is drawn around the
+    // visible part, which has changed.
+    if (hasFocus())
+        update(visibleRegion());
+    QWidget::moveEvent(event);
 }
 
 } // namespace plyra

@@ -4,6 +4,7 @@
 #include "editor/editor_painter.h"
 #include "editor/gesture_event.h"
 #include "editor/line_damage.h"
+#include "editor/nudge_steps.h"
 #include "editor/scaled_image_cache.h"
 #include "model/line_color.h"
 
@@ -50,15 +51,20 @@ public:
     /// before Undo, Redo or any other command that changes the document.
     void finishGesture();
 
+    /// The size of the track's own image; none without one.
+    std::optional<QSizeF> imageSize() const;
+
     /// The bounding box of the selected lines in view units (origin bottom left, y up);
     /// the zero rectangle for no selection.
     QRectF rectOfSelectedLines() const;
     /// The largest size of the image's aspect ratio that fits into contentSize.
     static QSizeF fittedSize(QSizeF imageSize, QSizeF contentSize);
-    /// The content size of the scroll area's frame with both scroll bars shown.
+    /// The content size of the scroll area's frame, less the scroll bars always shown.
     static QSizeF contentSizeOf(const QAbstractScrollArea& scrollArea);
 
     QSize sizeHint() const override;
+    /// The clock that decides whether nudges follow each other closely enough to be one step.
+    void setNudgeClock(NudgeSteps::Clock clock) { m_nudges.setClock(std::move(clock)); }
 
 public slots:
     void selectAll();
@@ -87,7 +93,10 @@ protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -109,6 +118,10 @@ private:
     void redrawAll();
     bool refreshImages();
     void syncLines();
+    void updateAccessibleDescription();
+    /// A key while no gesture runs: nudging, deleting, Escape clearing the selection.
+    void keyCommand(int key, Qt::KeyboardModifiers modifiers);
+    void ensureSelectionVisible();
     EditorCommands commands() const;
     /// Runs a command on the document's selection and redraws the lines it changed.
     void runCommand(void (EditorCommands::*command)());
@@ -137,6 +150,7 @@ private:
     bool m_hasOtherImage = false;
     LineColor m_lineColor;
     bool m_dropHighlight = false;
+    NudgeSteps m_nudges;
 };
 
 } // namespace plyra

@@ -47,6 +47,15 @@ void MorphEditor::clear()
     runCommand(&EditorCommands::clear);
 }
 
+void MorphEditor::ensureSelectionVisible()
+{
+    const QRectF selection = rectOfSelectedLines();
+    const QRectF widgetBox(selection.x(), height() - selection.y() - selection.height(), selection.width(),
+        selection.height());
+    if (!visibleRegion().boundingRect().contains(widgetBox.toAlignedRect()))
+        centerSelectionInVisibleArea();
+}
+
 QRectF MorphEditor::rectOfSelectedLines() const
 {
     if (!m_context.dataSource)
@@ -107,27 +116,33 @@ QSizeF MorphEditor::fittedSize(QSizeF imageSize, QSizeF contentSize)
 
 QSizeF MorphEditor::contentSizeOf(const QAbstractScrollArea& scrollArea)
 {
-    // As if both scroll bars were shown, so that the fitted editor never needs them.
+    // Scroll bars shown as needed take no room from an editor that fits.
     QSizeF size = QSizeF(scrollArea.size()) - QSizeF(2.0 * scrollArea.frameWidth(), 2.0 * scrollArea.frameWidth());
     const int vertical = scrollArea.style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, scrollArea.verticalScrollBar());
     const int horizontal
         = scrollArea.style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, scrollArea.horizontalScrollBar());
-    if (scrollArea.verticalScrollBarPolicy() != Qt::ScrollBarAlwaysOff)
+    if (scrollArea.verticalScrollBarPolicy() == Qt::ScrollBarAlwaysOn)
         size.rwidth() -= vertical;
-    if (scrollArea.horizontalScrollBarPolicy() != Qt::ScrollBarAlwaysOff)
+    if (scrollArea.horizontalScrollBarPolicy() == Qt::ScrollBarAlwaysOn)
         size.rheight() -= horizontal;
     return size.expandedTo(QSizeF(0.0, 0.0));
+}
+
+std::optional<QSizeF> MorphEditor::imageSize() const
+{
+    if (!m_context.dataSource)
+        return std::nullopt;
+    const std::optional<DisplayImage> image = m_context.dataSource->imageInTrack(m_context.track);
+    return image ? std::optional<QSizeF>(image->size()) : std::nullopt;
 }
 
 void MorphEditor::sizeToFit()
 {
     QAbstractScrollArea* area = scrollArea();
-    if (!m_context.dataSource || !area)
+    const std::optional<QSizeF> image = imageSize();
+    if (!area || !image)
         return;
-    const std::optional<DisplayImage> image = m_context.dataSource->imageInTrack(m_context.track);
-    if (!image)
-        return;
-    const QSizeF size = fittedSize(image->size(), contentSizeOf(*area));
+    const QSizeF size = fittedSize(*image, contentSizeOf(*area));
     resize(qRound(size.width()), qRound(size.height()));
     centerSelectionInVisibleArea();
 }

@@ -17,13 +17,17 @@ MoveLinesGesture::MoveLinesGesture(const EditorContext& context, const GestureEv
 
 bool MoveLinesGesture::step(const GestureEvent& event)
 {
+    const bool released = event.type == GestureEvent::Type::LeftUp;
+    // Until the pointer leaves the press point, nothing moves; then it catches up at once.
+    if (!moved())
+        return released;
     const Point delta{event.location.x - m_previousPointer.x, event.location.y - m_previousPointer.y};
     for (const MorphLine::Ptr& line : m_lines)
         moveLine(line, delta);
     m_previousPointer = event.location;
     if (dragged() && m_lines.size() >= 2)
         keepFarLinesSelected();
-    return event.type == GestureEvent::Type::LeftUp;
+    return released;
 }
 
 void MoveLinesGesture::moveLine(const MorphLine::Ptr& line, Point delta)

@@ -45,6 +45,8 @@ private slots:
     void oneDragIsOneUndoStep();
     void theOtherEditorAndTheDocumentSeeTheChange();
     void ctrlClickTogglesAndKeysActDuringAGesture();
+    void clickWithoutMotionChangesNothing_data();
+    void clickWithoutMotionChangesNothing();
 };
 
 void LeftButtonGestureTest::pressChoosesTheGesture_data()
@@ -358,6 +360,40 @@ void LeftButtonGestureTest::ctrlClickTogglesAndKeysActDuringAGesture()
     f.release({100, 40});
     QCOMPARE(f.ends(lines[0]).start, (Point{100, 40}));
     QVERIFY(!f.editor->isGestureActive());
+}
+
+void LeftButtonGestureTest::clickWithoutMotionChangesNothing_data()
+{
+    QTest::addColumn<Point>("pressAt");
+    QTest::addColumn<Point>("releaseAt");
+    QTest::addColumn<bool>("changes");
+    QTest::newRow("on the start point") << Point{102, 101} << Point{102, 101} << false;
+    QTest::newRow("on the end point") << Point{198, 99} << Point{198, 99} << false;
+    QTest::newRow("on the line") << Point{150, 102} << Point{150, 102} << false;
+    QTest::newRow("end point, 1 unit off") << Point{198, 99} << Point{199, 99} << false;
+    QTest::newRow("line, 1 unit off") << Point{150, 102} << Point{150, 101} << false;
+    QTest::newRow("end point, 1.5 units off") << Point{198, 99} << Point{199.5f, 99} << true;
+    QTest::newRow("line, 2 units off") << Point{150, 102} << Point{152, 102} << true;
+}
+
+void LeftButtonGestureTest::clickWithoutMotionChangesNothing()
+{
+    QFETCH(Point, pressAt);
+    QFETCH(Point, releaseAt);
+    QFETCH(bool, changes);
+    EditorFixture f;
+    const MorphLine::Ptr line = f.addLine({100, 100}, {200, 100});
+    f.settle();
+    const LineEnds before = f.ends(line);
+    f.press(pressAt);
+    if (!(releaseAt == pressAt))
+        f.move(releaseAt);
+    f.release(releaseAt);
+    f.endPass();
+    QCOMPARE(f.document.undoManager().canUndo(), changes);
+    QCOMPARE(!near(f.ends(line).start, before.start) || !near(f.ends(line).end, before.end), changes);
+    // The click selects the line all the same.
+    QCOMPARE(f.selection(), std::vector<int>{0});
 }
 
 QTEST_MAIN(LeftButtonGestureTest)

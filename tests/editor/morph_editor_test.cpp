@@ -4,6 +4,7 @@
 #include "editor/knob_images.h"
 #include "platform/undo_manager.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QMimeData>
 #include <QScrollArea>
@@ -39,6 +40,9 @@ private slots:
     void followsChangesMadeElsewhere();
     void finishGestureClosesTheStep();
     void accessibility();
+    void tabWalksThroughTheLinesAndEscapeClears();
+    void nudgesInQuickSuccessionAreOneStep();
+    void selectingIsNoUndoStep();
 
 private:
     static QMimeData* mimeData(const QString& url, const QString& text);
@@ -73,10 +77,14 @@ void MorphEditorTest::sizeToFitInAScrollArea()
     auto* editor = new MorphEditor;
     editor->setDataSource(&f.document);
     area.setWidget(editor);
-    // A frame whose content size with both scroll bars is 600 x 600.
-    const int chrome = 2 * area.frameWidth() + area.style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, area.verticalScrollBar());
+    // A frame whose content size is 600 x 600: scroll bars shown as needed take no room.
+    const int chrome = 2 * area.frameWidth();
     area.resize(600 + chrome, 600 + chrome);
     QCOMPARE(MorphEditor::contentSizeOf(area), QSizeF(600, 600));
+    area.setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    const int bar = area.style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, area.verticalScrollBar());
+    QCOMPARE(MorphEditor::contentSizeOf(area), QSizeF(600 - bar, 600));
+    area.setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     editor->sizeToFit();
     QCOMPARE(editor->size(), QSize(400, 300)); // no image: nothing changes
     QString error;
@@ -335,14 +343,113 @@ void MorphEditorTest::finishGestureClosesTheStep()
 
 void MorphEditorTest::accessibility()
 {
-    MorphEditor editor;
-    QCOMPARE(editor.focusPolicy(), Qt::StrongFocus);
-    QVERIFY(!editor.accessibleName().isEmpty());
-    QVERIFY(!editor.accessibleDescription().isEmpty());
-    editor.setAccessibleName(QStringLiteral("First image"));
-    QCOMPARE(editor.accessibleName(), QStringLiteral("First image"));
-    QVERIFY(editor.acceptDrops());
-    QCOMPARE(editor.contextMenuPolicy(), Qt::PreventContextMenu);
+    EditorFixture f;
+    QAccessibleInterface* shown = QAccessible::queryAccessibleInterface(f.editor);
+    QVERIFY(shown);
+    QCOMPARE(shown->role(), QAccessible::Canvas);
+    QCOMPARE(shown->text(QAccessible::Description), QStringLiteral("Lines: 0, selected: 0"));
+    QVERIFY(shown->text(QAccessible::Help).contains(QStringLiteral("Tab")));
+    const auto lines = f.addChain({{10, 10}, {50, 50}, {90, 10}});
+    f.select({lines[1]});
+    f.endPass();
+    QCOMPARE(shown->text(QAccessible::Description), QStringLiteral("Lines: 2, selected: 1"));
+
+    // The focus frame: drawn in the highlight colour at the edge of what is visible.
+    f.editor->setFocus();
+    const QColor highlight = f.editor->palette().color(QPalette::Highlight);
+    QCOMPARE(f.editor->grab().toImage().pixelColor(0, 100), highlight);
+    f.lastEditor->setFocus();
+    QVERIFY(f.editor->grab().toImage().pixelColor(0, 100) != highlight);
+}
+
+void MorphEditorTest::tabWalksThroughTheLinesAndEscapeClears()
+{
+    EditorFixture f;
+    const auto lines = f.addChain({{10, 10}, {50, 50}, {90, 10}, {130, 50}});
+    f.settle();
+    f.editor->setFocus();
+    QVERIFY(f.editor->hasFocus());
+    const std::vector<std::pair<Qt::KeyboardModifiers, std::vector<int>>> steps = {
+        {{}, {0}}, {{}, {1}}, {{}, {2}}, {Qt::ShiftModifier, {1}}, {Qt::ShiftModifier, {0}},
+    };
+    for (const auto& [modifiers, selected] : steps) {
+        f.key(modifiers ? Qt::Key_Backtab : Qt::Key_Tab, modifiers);
+        QCOMPARE(f.selection(), selected);
+        QVERIFY(f.editor->hasFocus());
+    }
+    f.key(Qt::Key_Escape);
+    QVERIFY(f.selection().empty());
+    f.key(Qt::Key_Backtab, Qt::ShiftModifier); // none selected: the last line
+    QCOMPARE(f.selection(), std::vector<int>{2});
+    // Past the last line Tab leaves the editor, with the selection as it was.
+    f.key(Qt::Key_Tab);
+    QVERIFY(!f.editor->hasFocus());
+    QCOMPARE(f.selection(), std::vector<int>{2});
+    f.endPass();
+    QVERIFY(!f.document.undoManager().canUndo());
+}
+
+void MorphEditorTest::nudgesInQuickSuccessionAreOneStep()
+{
+    EditorFixture f;
+    std::chrono::steady_clock::time_point now{};
+    f.editor->setNudgeClock([&now] { return now; });
+    const MorphLine::Ptr a = f.addLine({100, 100}, {200, 100});
+    const MorphLine::Ptr b = f.addLine({100, 150}, {200, 150});
+    f.select({a});
+    f.settle();
+    f.editor->setFocus();
+    using namespace std::chrono_literals;
+    // Each nudge: the time since the previous one, and the lines selected.
+    struct Nudge { std::chrono::milliseconds after; MorphLine::Ptr line; };
+    const std::vector<Nudge> nudges = {{0ms, a}, {400ms, a}, {1000ms, a}, {1001ms, a}, {10ms, b}, {10ms, a}};
+    for (const Nudge& nudge : nudges) {
+        now += nudge.after;
+        f.document.setSelectedLines({nudge.line});
+        f.key(Qt::Key_Up);
+        f.endPass();
+    }
+    // {a ×3} {a} {b} {a}: four steps, each "Move Line".
+    UndoManager& undo = f.document.undoManager();
+    QCOMPARE(undo.undoStepCount(), 4);
+    QCOMPARE(f.ends(a).start, (Point{100, 105}));
+    const std::vector<float> aAfterEachUndo = {104, 104, 103, 100};
+    for (float y : aAfterEachUndo) {
+        QCOMPARE(QString::fromStdString(undo.undoActionName()), QStringLiteral("Move Line"));
+        undo.undo();
+        QCOMPARE(f.ends(a).start.y, y);
+    }
+    QCOMPARE(f.ends(b).start, (Point{100, 150}));
+    QVERIFY(!undo.canUndo());
+}
+
+void MorphEditorTest::selectingIsNoUndoStep()
+{
+    EditorFixture f;
+    f.settle();
+    // Three lines drawn, with selections by click, right-click and rectangle in between.
+    f.drag({50, 50}, {{100, 60}, {150, 70}});
+    f.endPass();
+    f.click({60, 200}, Qt::RightButton);
+    f.drag({50, 150}, {{150, 160}});
+    f.endPass();
+    f.drag({40, 40}, {{300, 250}}, Qt::RightButton);
+    f.drag({300, 50}, {{400, 100}});
+    f.endPass();
+    f.click({350, 75}); // selects, moves nothing
+    f.endPass();
+    UndoManager& undo = f.document.undoManager();
+    QCOMPARE(undo.undoStepCount(), 3);
+    undo.undo();
+    // The edit comes back with its selection: the rectangle added line 0 to line 1.
+    QCOMPARE(f.selection(), (std::vector<int>{1, 0}));
+    f.click({60, 200}, Qt::RightButton);
+    f.endPass();
+    QVERIFY(undo.canRedo());
+    undo.undo();
+    undo.undo();
+    QVERIFY(f.document.morphLines().empty());
+    QVERIFY(!undo.canUndo());
 }
 
 QTEST_MAIN(MorphEditorTest)

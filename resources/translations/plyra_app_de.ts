@@ -275,7 +275,7 @@
     </message>
     <message>
         <source>&amp;Close</source>
-        <translation>&amp;Schließen</translation>
+        <translation>S&amp;chließen</translation>
     </message>
     <message>
         <source>&amp;Save</source>
@@ -284,10 +284,6 @@
     <message>
         <source>Save &amp;As…</source>
         <translation>Speichern &amp;unter …</translation>
-    </message>
-    <message>
-        <source>&amp;Revert to Saved</source>
-        <translation>Letzte &amp;Version wiederherstellen</translation>
     </message>
     <message>
         <source>&amp;Quit</source>
@@ -326,10 +322,6 @@
         <translation>Vor&amp;schau</translation>
     </message>
     <message>
-        <source>&amp;Inspector</source>
-        <translation>&amp;Inspektor</translation>
-    </message>
-    <message>
         <source>Customize &amp;Toolbar…</source>
         <translation>&amp;Werkzeugleiste anpassen …</translation>
     </message>
@@ -351,7 +343,7 @@
     </message>
     <message>
         <source>The Line &amp;Editors</source>
-        <translation>Die Linien&amp;editoren</translation>
+        <translation>Die &amp;Linieneditoren</translation>
     </message>
     <message>
         <source>&amp;Timing</source>
@@ -380,6 +372,22 @@
     <message>
         <source>Add &amp;Face Lines</source>
         <translation>&amp;Gesichtslinien hinzufügen</translation>
+    </message>
+    <message>
+        <source>Re&amp;vert to Saved</source>
+        <translation>Letzte &amp;Version wiederherstellen</translation>
+    </message>
+    <message>
+        <source>Zoom to &amp;Fit</source>
+        <translation>&amp;Einpassen</translation>
+    </message>
+    <message>
+        <source>&amp;Actual Size</source>
+        <translation>&amp;Originalgröße</translation>
+    </message>
+    <message>
+        <source>I&amp;nspector</source>
+        <translation>&amp;Inspektor</translation>
     </message>
 </context>
 <context>
@@ -430,6 +438,17 @@
     <message>
         <source>A document of that name is open in another window.</source>
         <translation>Ein Dokument dieses Namens ist in einem anderen Fenster geöffnet.</translation>
+    </message>
+</context>
+<context>
+    <name>plyra::EditorZoom</name>
+    <message>
+        <source>Zoom %1 % | %2 %</source>
+        <translation>Zoom %1 % | %2 %</translation>
+    </message>
+    <message>
+        <source>Zoom %1 %</source>
+        <translation>Zoom %1 %</translation>
     </message>
 </context>
 <context>

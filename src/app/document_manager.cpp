@@ -13,6 +13,18 @@
 namespace plyra {
 namespace {
 
+// A document that was never saved is proposed in the folder of its first image, where
+// the user's material for it lies; else in the home folder.
+QString untitledSavePath(const MorphDocument& document, const QString& name)
+{
+    for (unsigned track : {0u, 1u}) {
+        const QString image = document.imageURLInTrack(track);
+        if (!image.isEmpty())
+            return QFileInfo(image).absoluteDir().filePath(name);
+    }
+    return QDir::home().filePath(name);
+}
+
 QString canonical(const QString& path)
 {
     const QFileInfo info(path);
@@ -141,7 +153,8 @@ bool DocumentManager::save(MorphEditorWindowController* window)
 
 bool DocumentManager::saveAs(MorphEditorWindowController* window)
 {
-    const QString start = window->filePath().isEmpty() ? QDir::home().filePath(window->displayName()) : window->filePath();
+    const QString start = window->filePath().isEmpty() ? untitledSavePath(window->document(), window->displayName())
+                                                       : window->filePath();
     const QString path = m_prompts->askSavePath(window, start);
     if (path.isEmpty())
         return false;

@@ -1,79 +1,209 @@
 // SPDX-License-Identifier: MIT
 #include "app/editor_zoom.h"
 
+#include "editor/morph_editor.h"
+
+#include <QEvent>
+#include <QLocale>
 #include <QScrollArea>
-#include <QWidget>
 
 #include <cmath>
 
 namespace plyra {
 
-EditorZoom::EditorZoom(std::array<Editor, 2> editors, std::function<void()> centre, std::function<void()> redraw)
-    : m_editors(editors)
+EditorZoom::EditorZoom(std::array<Editor, 2> editors, std::function<void()> centre, std::function<void()> redraw,
+    QObject* parent)
+    : QObject(parent)
+    , m_editors(editors)
     , m_centre(std::move(centre))
     , m_redraw(std::move(redraw))
 {
+    for (const Editor& editor : m_editors)
+        editor.scrollArea->installEventFilter(this);
 }
 
-std::array<QSizeF, 2> EditorZoom::sizes() const
+std::optional<QSizeF> EditorZoom::imageSize(int editor) const
 {
-    return {QSizeF(m_editors[0].view->size()), QSizeF(m_editors[1].view->size())};
+    return m_editors[static_cast<std::size_t>(editor)].view->imageSize();
 }
 
-double EditorZoom::total(const std::array<QSizeF, 2>& sizes)
+std::array<std::optional<double>, 2> EditorZoom::scales() const
 {
-    return sizes[0].width() + sizes[0].height() + sizes[1].width() + sizes[1].height();
+    Scales scales;
+    for (int i : {0, 1})
+        if (const std::optional<QSizeF> image = imageSize(i); image && image->width() > 0.0)
+            scales[static_cast<std::size_t>(i)] = m_editors[static_cast<std::size_t>(i)].view->width() / image->width();
+    return scales;
 }
 
-std::array<QSizeF, 2> EditorZoom::zoomInTargets(const std::array<QSizeF, 2>& sizes)
+EditorZoom::Scales EditorZoom::fitScales() const
 {
-    return {sizes[0] * 2.0, sizes[1] * 2.0};
-}
-
-std::array<QSizeF, 2> EditorZoom::zoomOutTargets(const std::array<QSizeF, 2>& sizes, const std::array<QSizeF, 2>& visible)
-{
-    std::array<QSizeF, 2> targets;
-    for (std::size_t i = 0; i < 2; ++i) {
-        const QSizeF half = sizes[i] / 2.0;
-        const bool belowVisible = half.width() < visible[i].width() || half.height() < visible[i].height();
-        targets[i] = belowVisible ? visible[i] : half;
+    Scales scales;
+    for (int i : {0, 1}) {
+        const std::optional<QSizeF> image = imageSize(i);
+        if (!image || image->width() <= 0.0)
+            continue;
+        const QSizeF content = MorphEditor::contentSizeOf(*m_editors[static_cast<std::size_t>(i)].scrollArea);
+        scales[static_cast<std::size_t>(i)] = MorphEditor::fittedSize(*image, content).width() / image->width();
     }
+    return scales;
+}
+
+QSize EditorZoom::sizeAt(int editor, double scale) const
+{
+    const QSizeF image = imageSize(editor).value_or(QSizeF());
+    // Both sides from the one scale: the shown image keeps its aspect up to rounding.
+    return QSize(std::max(1, int(std::lround(image.width() * scale))), std::max(1, int(std::lround(image.height() * scale))));
+}
+
+double EditorZoom::total(const Scales& scales) const
+{
+    double sum = 0.0;
+    for (int i : {0, 1})
+        if (const std::optional<double> scale = scales[static_cast<std::size_t>(i)]) {
+            const QSize size = sizeAt(i, *scale);
+            // An editor without an image takes the other's size.
+            sum += (size.width() + size.height()) * (scales[static_cast<std::size_t>(1 - i)] ? 1.0 : 2.0);
+        }
+    return sum;
+}
+
+EditorZoom::Scales EditorZoom::zoomInTargets(const Scales& scales)
+{
+    Scales targets;
+    for (std::size_t i = 0; i < 2; ++i)
+        if (scales[i])
+            targets[i] = *scales[i] * 2.0;
+    return targets;
+}
+
+EditorZoom::Scales EditorZoom::zoomOutTargets(const Scales& scales, const Scales& fitScales)
+{
+    Scales targets;
+    for (std::size_t i = 0; i < 2; ++i)
+        if (scales[i] && fitScales[i])
+            targets[i] = std::max(*scales[i] / 2.0, *fitScales[i]);
     return targets;
 }
 
 bool EditorZoom::zoomIn()
 {
-    const std::array<QSizeF, 2> targets = zoomInTargets(sizes());
+    const Scales targets = zoomInTargets(scales());
+    if (!targets[0] && !targets[1])
+        return false;
     if (total(targets) > kLargestTotal)
         return false;
+    m_atFit = {false, false};
     animate(targets);
     return true;
 }
 
 bool EditorZoom::zoomOut()
 {
-    const std::array<QSizeF, 2> visible = {QSizeF(m_editors[0].scrollArea->viewport()->size()),
-        QSizeF(m_editors[1].scrollArea->viewport()->size())};
-    const std::array<QSizeF, 2> targets = zoomOutTargets(sizes(), visible);
-    if (total(targets) < kSmallestTotal)
+    const Scales current = scales();
+    const Scales fit = fitScales();
+    const Scales targets = zoomOutTargets(current, fit);
+    if (showsAt(targets) || total(targets) < kSmallestTotal)
         return false;
+    for (std::size_t i = 0; i < 2; ++i)
+        m_atFit[i] = targets[i] && fit[i] && *targets[i] == *fit[i];
     animate(targets);
     return true;
 }
 
-void EditorZoom::animate(const std::array<QSizeF, 2>& targets)
+void EditorZoom::zoomToFit()
 {
-    const std::array<QSizeF, 2> start = sizes();
+    m_atFit = {true, true};
+    animate(fitScales());
+}
+
+void EditorZoom::actualSize()
+{
+    // One image pixel per device pixel: on a screen of two device pixels per unit, half a unit.
+    Scales targets;
+    for (int i : {0, 1})
+        if (imageSize(i))
+            targets[static_cast<std::size_t>(i)] = 1.0 / m_editors[static_cast<std::size_t>(i)].view->devicePixelRatioF();
+    const Scales fit = fitScales();
+    for (std::size_t i = 0; i < 2; ++i)
+        m_atFit[i] = fit[i] && targets[i] && *fit[i] == *targets[i];
+    animate(targets);
+}
+
+void EditorZoom::fit(std::array<bool, 2> editors)
+{
+    const Scales fit = fitScales();
+    Scales targets = scales();
+    for (std::size_t i = 0; i < 2; ++i)
+        if (editors[i]) {
+            targets[i] = fit[i];
+            m_atFit[i] = true;
+        }
+    applyScales(targets);
+    emit zoomChanged();
+}
+
+void EditorZoom::animate(const Scales& targets)
+{
+    const Scales start = scales();
     for (int step = 1; step <= kSteps; ++step) {
         const double f = double(step) / kSteps;
-        for (std::size_t i = 0; i < 2; ++i) {
-            const QSizeF size = start[i] + (targets[i] - start[i]) * f;
-            // Widgets have whole-pixel sizes.
-            m_editors[i].view->resize(int(std::lround(size.width())), int(std::lround(size.height())));
-        }
+        Scales now;
+        for (std::size_t i = 0; i < 2; ++i)
+            if (targets[i])
+                now[i] = start[i] ? *start[i] + (*targets[i] - *start[i]) * f : *targets[i];
+        applyScales(now);
         m_centre();
         m_redraw();
     }
+    emit zoomChanged();
+}
+
+void EditorZoom::applyScales(const Scales& scales)
+{
+    for (int i : {0, 1})
+        if (const std::optional<double> scale = scales[static_cast<std::size_t>(i)])
+            m_editors[static_cast<std::size_t>(i)].view->resize(sizeAt(i, *scale));
+    for (int i : {0, 1})
+        if (!imageSize(i) && imageSize(1 - i))
+            m_editors[static_cast<std::size_t>(i)].view->resize(m_editors[static_cast<std::size_t>(1 - i)].view->size());
+}
+
+bool EditorZoom::showsAt(const Scales& targets) const
+{
+    for (int i : {0, 1})
+        if (const std::optional<double> target = targets[static_cast<std::size_t>(i)];
+            target && sizeAt(i, *target) != m_editors[static_cast<std::size_t>(i)].view->size())
+            return false;
+    return true;
+}
+
+QString EditorZoom::zoomText() const
+{
+    // In device pixels per image pixel, so that Actual Size reads 100 % on any screen.
+    Scales shown = scales();
+    for (std::size_t i = 0; i < 2; ++i)
+        if (shown[i])
+            shown[i] = *shown[i] * m_editors[i].view->devicePixelRatioF();
+    auto percent = [](double scale) { return QLocale().toString(qlonglong(std::llround(scale * 100.0))); };
+    if (shown[0] && shown[1] && std::lround(*shown[0] * 100.0) != std::lround(*shown[1] * 100.0))
+        return tr("Zoom %1 % | %2 %").arg(percent(*shown[0]), percent(*shown[1]));
+    if (shown[0] || shown[1])
+        return tr("Zoom %1 %").arg(percent(shown[0] ? *shown[0] : *shown[1]));
+    return {};
+}
+
+bool EditorZoom::eventFilter(QObject* watched, QEvent* event)
+{
+    // A scroll area that changes size refits the editors that are at fit.
+    if (event->type() == QEvent::Resize) {
+        std::array<bool, 2> refit{};
+        for (std::size_t i = 0; i < 2; ++i)
+            refit[i] = watched == m_editors[i].scrollArea && m_atFit[i] && imageSize(int(i));
+        if (refit[0] || refit[1])
+            fit(refit);
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 } // namespace plyra

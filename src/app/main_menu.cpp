@@ -65,7 +65,7 @@ void buildMainMenu(QMenuBar* bar, WindowActions& actions, ApplicationCommands& c
 
     QMenu* view = bar->addMenu(menuText(QT_TRANSLATE_NOOP("MainMenu", "&View")));
     view->setObjectName(QStringLiteral("viewMenu"));
-    addActions(view, actions, {Command::ZoomIn, Command::ZoomOut, Command::CenterSelection});
+    addActions(view, actions, {Command::ZoomIn, Command::ZoomOut, Command::ZoomToFit, Command::ActualSize, Command::CenterSelection});
     view->addSeparator();
     addActions(view, actions, {Command::TogglePreview, Command::ToggleInspector});
     view->addSeparator();

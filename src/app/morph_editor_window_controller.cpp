@@ -26,6 +26,7 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QImage>
+#include <QLabel>
 #include <QPixmap>
 #include <QMenuBar>
 #include <QScrollArea>
@@ -48,8 +49,9 @@ QScrollArea* scrollAreaFor(MorphEditor* editor, const QString& name, QWidget* pa
     area->setWidget(editor);
     area->setWidgetResizable(false);
     area->setAlignment(Qt::AlignCenter);
-    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-    area->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    // Scroll bars only while the image is larger than what can be seen.
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    area->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     area->setFrameShape(QFrame::StyledPanel);
     return area;
 }
@@ -175,10 +177,15 @@ void MorphEditorWindowController::buildEditors()
         connect(editor, &MorphEditor::statusMessageRequested, this,
             [this](const QString& message) { statusBar()->showMessage(message, kStatusMessageMs); });
 
-    m_zoom = std::make_unique<EditorZoom>(
+    m_zoom = new EditorZoom(
         std::array<EditorZoom::Editor, 2>{EditorZoom::Editor{m_firstEditor, m_firstScrollArea}, EditorZoom::Editor{m_lastEditor, m_lastScrollArea}},
         [this] { centerSelection(); },
-        [this] { m_editorSplitView->repaint(); });
+        [this] { m_editorSplitView->repaint(); }, this);
+    m_zoomLabel = new QLabel(statusBar());
+    m_zoomLabel->setObjectName(QStringLiteral("zoomFactor"));
+    // Read by its text, "Zoom 141 %".
+    statusBar()->addPermanentWidget(m_zoomLabel);
+    connect(m_zoom, &EditorZoom::zoomChanged, m_zoomLabel, [this] { m_zoomLabel->setText(m_zoom->zoomText()); });
 }
 
 void MorphEditorWindowController::buildActions()
@@ -203,6 +210,8 @@ void MorphEditorWindowController::buildActions()
     a.setHandler(Command::AddFaceLines, [this] { finishGestures(); m_faceLines->run(); });
     a.setHandler(Command::ZoomIn, [this] { zoomInEditors(); });
     a.setHandler(Command::ZoomOut, [this] { zoomOutEditors(); });
+    a.setHandler(Command::ZoomToFit, [this] { finishGestures(); m_zoom->zoomToFit(); });
+    a.setHandler(Command::ActualSize, [this] { finishGestures(); m_zoom->actualSize(); });
     a.setHandler(Command::CenterSelection, [this] { centerSelection(); });
     a.setHandler(Command::CustomizeToolbar, [this] { m_toolbar->customize(); });
     a.setHandler(Command::TogglePreview, [this] { togglePreviewDrawer(); });
@@ -231,6 +240,8 @@ void MorphEditorWindowController::buildActions()
     a.setEnabledRule(Command::AddFaceLines, [this] { return FaceLinesCommand::isAvailable() && hasAnyImage() && !m_faceLines->isRunning(); });
     a.setEnabledRule(Command::ZoomIn, [this] { return hasAnyImage(); });
     a.setEnabledRule(Command::ZoomOut, [this] { return hasAnyImage(); });
+    a.setEnabledRule(Command::ZoomToFit, [this] { return hasAnyImage(); });
+    a.setEnabledRule(Command::ActualSize, [this] { return hasAnyImage(); });
     a.setEnabledRule(Command::CenterSelection, [this] { return hasAnyImage(); });
     a.setEnabledRule(Command::RenderImage, [this] { return canRender(); });
     a.setEnabledRule(Command::RenderMovie, [this] { return canRender(); });
@@ -289,15 +300,8 @@ void MorphEditorWindowController::fitEditorsToNewImages()
 
 void MorphEditorWindowController::fitEditors(std::array<bool, 2> refit)
 {
-    // The image is shown whole; an editor without an image of its own shows the other
-    // one and takes the same size.
-    const std::array<MorphEditor*, 2> editors{m_firstEditor, m_lastEditor};
-    for (unsigned track : {0u, 1u})
-        if (refit[track])
-            editors[track]->sizeToFit();
-    for (unsigned track : {0u, 1u})
-        if (!m_document->imageInTrack(track) && m_document->imageInTrack(1 - track))
-            editors[track]->resize(editors[1 - track]->size());
+    m_zoom->fit(refit);
+    centerSelection();
 }
 
 void MorphEditorWindowController::refreshState()
@@ -563,6 +567,9 @@ void MorphEditorWindowController::showEvent(QShowEvent* event)
     if (m_fitted)
         return;
     m_fitted = true;
+    // The editors keep most of the window: the strip takes at most a third of its height.
+    if (m_previewDock->isVisible() && !m_previewDock->isFloating())
+        resizeDocks({m_previewDock}, {std::min(m_previewDock->sizeHint().height(), height() / 3)}, Qt::Vertical);
     // Fitting needs the scroll areas' final sizes, known once the window is laid out.
     QTimer::singleShot(0, this, [this] { fitEditors({true, true}); });
 }

@@ -14,6 +14,7 @@
 #include <array>
 #include <memory>
 
+class QLabel;
 class QScrollArea;
 class QSplitter;
 
@@ -134,7 +135,8 @@ private:
     MorphEditor* m_lastEditor = nullptr;
     QScrollArea* m_firstScrollArea = nullptr;
     QScrollArea* m_lastScrollArea = nullptr;
-    std::unique_ptr<EditorZoom> m_zoom;
+    EditorZoom* m_zoom = nullptr;
+    QLabel* m_zoomLabel = nullptr;
     PreviewDock* m_previewDock = nullptr;
     QPointer<FrameWindow> m_frameWindow;
     QPointer<MovieWindow> m_movieWindow;

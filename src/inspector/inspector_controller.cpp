@@ -6,6 +6,7 @@
 #include "inspector/inspector.h"
 #include "inspector/inspector_panel.h"
 #include "inspector/inspector_selection.h"
+#include "inspector/panel_placement.h"
 #include "model/morph_document.h"
 #include "model/morph_line.h"
 #include "platform/log.h"
@@ -113,7 +114,7 @@ void InspectorController::showPanel()
 {
     if (!m_panel->isVisible()) {
         m_panel->adjustSize();
-        centrePanel();
+        placePanel();
     }
     m_panel->show();
     m_panel->raise();
@@ -133,13 +134,23 @@ void InspectorController::togglePanel()
         showPanel();
 }
 
-void InspectorController::centrePanel()
+void InspectorController::placePanel()
 {
     QScreen* screen = m_mainWindow ? m_mainWindow->screen() : QGuiApplication::primaryScreen();
     if (!screen)
         return;
-    QRect frame = m_panel->frameGeometry();
-    frame.moveCenter(screen->availableGeometry().center());
+    const QRect available = screen->availableGeometry();
+    const QSize size = m_panel->frameGeometry().size();
+    if (const std::optional<QPoint> kept = PanelPlacement::remembered(size, available)) {
+        m_panel->move(*kept);
+        return;
+    }
+    if (m_mainWindow) {
+        m_panel->move(PanelPlacement::besideWindow(m_mainWindow->frameGeometry(), size, available));
+        return;
+    }
+    QRect frame(QPoint(), size);
+    frame.moveCenter(available.center());
     m_panel->move(frame.topLeft());
 }
 
@@ -191,7 +202,9 @@ bool InspectorController::eventFilter(QObject* watched, QEvent* event)
     if (!watched->isWidgetType())
         return false;
     auto* widget = static_cast<QWidget*>(watched);
-    if (event->type() == QEvent::WindowActivate && widget->isWindow())
+    if (widget == m_panel.get() && event->type() == QEvent::Move && m_panel->isVisible())
+        PanelPlacement::remember(m_panel->pos());
+    else if (event->type() == QEvent::WindowActivate && widget->isWindow())
         windowActivated(widget);
     else if (event->type() == QEvent::Hide && widget == m_mainWindow && !widget->isMinimized())
         setMainWindow(nullptr);

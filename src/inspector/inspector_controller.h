@@ -40,7 +40,8 @@ public:
 
     InspectorPanel* panel() const { return m_panel.get(); }
     bool isPanelVisible() const;
-    /// Centres the panel on the screen when it is hidden, shows it and refreshes at once.
+    /// Shows the panel where the user last put it, else beside the document window in
+    /// front, and refreshes at once.
     void showPanel();
     void hidePanel();
     void togglePanel();
@@ -72,7 +73,7 @@ private:
     /// Undo and Redo of the window in front work while the panel has the keyboard.
     void offerEditActionsOf(InspectableWindow* window);
     void showContentView(QWidget* view);
-    void centrePanel();
+    void placePanel();
 
     std::unique_ptr<InspectorPanel> m_panel;
     QPointer<QWidget> m_emptySelectionView;

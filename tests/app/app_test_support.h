@@ -3,7 +3,10 @@
 
 #include "app/document_prompts.h"
 
+#include <QAction>
 #include <QImage>
+#include <QMenu>
+#include <QMenuBar>
 #include <QStringList>
 #include <QTemporaryDir>
 
@@ -18,6 +21,7 @@ public:
         std::deque<SaveAnswer> saveAnswers;
         std::deque<QString> savePaths;
         std::deque<QString> openPaths;
+        QStringList saveStarts; // where each save dialog started
         bool revert = true;
         QStringList asked;  // the display names asked about
         QStringList errors; // "message | reason"
@@ -32,7 +36,11 @@ public:
     }
     bool askToRevert(QWidget*, const QString&) override { return m_script.revert; }
     QString askOpenPath(QWidget*, const QString&) override { return take(m_script.openPaths, QString()); }
-    QString askSavePath(QWidget*, const QString&) override { return take(m_script.savePaths, QString()); }
+    QString askSavePath(QWidget*, const QString& startPath) override
+    {
+        m_script.saveStarts.append(startPath);
+        return take(m_script.savePaths, QString());
+    }
     void showError(QWidget*, const QString& message, const QString& reason) override
     {
         m_script.errors.append(message + QStringLiteral(" | ") + reason);
@@ -50,6 +58,34 @@ private:
     }
     Script& m_script;
 };
+
+/// The mnemonic of a menu text ("Save &As…": 'a'), none without one.
+inline QChar mnemonicOf(const QString& text)
+{
+    for (qsizetype i = text.indexOf(QLatin1Char('&')); i >= 0 && i + 1 < text.size(); i = text.indexOf(QLatin1Char('&'), i + 2))
+        if (text.at(i + 1) != QLatin1Char('&'))
+            return text.at(i + 1).toLower();
+    return {};
+}
+
+/// "Menu: text" for every item whose mnemonic another item of the same menu has, in the
+/// menu bar and in every menu and submenu.
+inline QStringList sharedMnemonics(const QList<QAction*>& items, const QString& menuName)
+{
+    QStringList shared;
+    QList<QChar> seen;
+    for (QAction* item : items) {
+        if (item->isSeparator())
+            continue;
+        const QChar key = mnemonicOf(item->text());
+        if (!key.isNull() && seen.contains(key))
+            shared.append(menuName + QStringLiteral(": ") + item->text());
+        seen.append(key);
+        if (item->menu())
+            shared += sharedMnemonics(item->menu()->actions(), item->text());
+    }
+    return shared;
+}
 
 /// Writes a PNG of the given size with a gradient, for images of test documents.
 inline QString writeTestImage(const QTemporaryDir& dir, const QString& name, int width, int height)

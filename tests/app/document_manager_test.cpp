@@ -220,6 +220,9 @@ private slots:
         QVERIFY(window->document().imageInTrack(0) && window->document().imageInTrack(1));
         QVERIFY(window->isDocumentEdited());
         QVERIFY(!window->document().undoManager().canUndo());
+        // Its first Save proposes the folder of its first image.
+        QVERIFY(!documents().save(window));
+        QCOMPARE(m_script.saveStarts.constLast(), QFileInfo(m_first).absoluteDir().filePath(window->displayName()));
 
         // An image that does not read: a message naming it, and no new window.
         QFile bad(m_dir.filePath(QStringLiteral("bad.png")));

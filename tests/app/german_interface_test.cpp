@@ -53,6 +53,10 @@ private slots:
         QCOMPARE(window->firstEditor()->accessibleName(), QStringLiteral("Erstes Bild"));
         QCOMPARE(window->lastEditor()->accessibleName(), QStringLiteral("Letztes Bild"));
         QCOMPARE(window->displayName(), QStringLiteral("Unbenannt"));
+        QCOMPARE(sharedMnemonics(window->menuBar()->actions(), QStringLiteral("Menüleiste")), QStringList());
+        // Numbers as the interface's language writes them, whatever the locale of LANG.
+        QCOMPARE(QLocale().toString(0.3), QStringLiteral("0,3"));
+        QCOMPARE(window->firstEditor()->accessibleDescription(), QStringLiteral("Linien: 0, ausgewählt: 0"));
     }
 
     void undoNamesAreGerman()

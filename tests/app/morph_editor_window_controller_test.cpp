@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/document_manager.h"
 #include "app/document_toolbar.h"
-#include "app/editor_zoom.h"
 #include "app/image_chooser.h"
 #include "app/line_color_well.h"
 #include "app/morph_editor_window_controller.h"
@@ -21,6 +20,9 @@
 #include <QAction>
 #include <QApplication>
 #include <QFileDialog>
+#include <QLabel>
+#include <QScreen>
+#include <QScrollBar>
 #include <QMenu>
 #include <QStatusBar>
 #include <QMenuBar>
@@ -275,34 +277,69 @@ private slots:
         QVERIFY(document().morphLines().empty());
     }
 
-    void zoomHasLimitsBothWays()
+    void zoomKeepsTheAspectAndStopsAtFit()
     {
-        using Sizes = std::array<QSizeF, 2>;
-        QCOMPARE(EditorZoom::total(EditorZoom::zoomInTargets(Sizes{QSizeF(20000, 12000), QSizeF(20000, 12000)})), 128000.0);
-        QVERIFY(EditorZoom::total(EditorZoom::zoomInTargets(Sizes{QSizeF(200000, 150000), QSizeF(200000, 150000)})) > EditorZoom::kLargestTotal);
-        // Editors that fill their visible areas stay as they are.
-        const Sizes filled{QSizeF(400, 300), QSizeF(400, 300)};
-        QCOMPARE(EditorZoom::zoomOutTargets(filled, filled), filled);
-        QCOMPARE(EditorZoom::zoomOutTargets(Sizes{QSizeF(1600, 1200), QSizeF(800, 600)}, filled), (Sizes{QSizeF(800, 600), QSizeF(400, 300)}));
-
+        m_window->resize(640, 480);
+        m_window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_window));
         QString reason;
-        QVERIFY(document().setImageFromFile(m_image, 0, &reason));
-        MorphEditor* first = m_window->firstEditor();
-        MorphEditor* last = m_window->lastEditor();
-        first->resize(20000, 12000);
-        last->resize(20000, 12000);
-        m_window->zoomInEditors();
-        QCOMPARE(first->size(), QSize(40000, 24000));
-        first->resize(200000, 150000);
-        last->resize(200000, 150000);
-        m_window->zoomInEditors();
-        QCOMPARE(first->size(), QSize(200000, 150000));
+        QVERIFY(document().setImageFromFile(m_image, 0, &reason)); // 300 x 200
+        QVERIFY(document().setImageFromFile(writeTestImage(m_dir, QStringLiteral("tall.png"), 120, 240), 1, &reason));
+        endPass();
+        const std::array<MorphEditor*, 2> editors{m_window->firstEditor(), m_window->lastEditor()};
+        const std::array<QSize, 2> images{QSize(300, 200), QSize(120, 240)};
+        auto sizes = [&] { return std::array<QSize, 2>{editors[0]->size(), editors[1]->size()}; };
+        auto checkAspect = [&](const char* when) {
+            for (std::size_t i = 0; i < 2; ++i) {
+                const QSize s = editors[i]->size();
+                // Both sides come from one scale: off by rounding only.
+                const double error = std::abs(double(s.width()) * images[i].height() - double(s.height()) * images[i].width());
+                QVERIFY2(error <= 0.5 * (images[i].width() + images[i].height()), when);
+            }
+        };
+        auto key = [&](Qt::Key k, Qt::KeyboardModifiers modifiers = Qt::ControlModifier) {
+            QTest::keyClick(editors[0], k, modifiers);
+            endPass();
+        };
+        const std::array<QSize, 2> fit = sizes();
+        checkAspect("at fit");
+        QVERIFY(m_window->findChild<QLabel*>(QStringLiteral("zoomFactor"))->text().startsWith(QStringLiteral("Zoom ")));
+        // In twice, out three times: back at fit, never beyond, the aspect kept throughout.
+        for (Qt::Key k : {Qt::Key_Plus, Qt::Key_Plus, Qt::Key_Minus, Qt::Key_Minus, Qt::Key_Minus}) {
+            key(k);
+            checkAspect(k == Qt::Key_Plus ? "zoomed in" : "zoomed out");
+        }
+        QCOMPARE(sizes(), fit);
+        key(Qt::Key_1);
+        QCOMPARE(sizes(), (std::array<QSize, 2>{images[0], images[1]}));
+        QCOMPARE(m_window->findChild<QLabel*>(QStringLiteral("zoomFactor"))->text(), QStringLiteral("Zoom 100 %"));
+        key(Qt::Key_0);
+        QCOMPARE(sizes(), fit);
+        // At fit the editors follow a growing window; zoomed in, they keep their size.
+        m_window->resize(780, 580);
+        QTRY_VERIFY(editors[0]->width() > fit[0].width());
+        checkAspect("after growing");
+        key(Qt::Key_Plus);
+        const std::array<QSize, 2> zoomed = sizes();
+        m_window->resize(700, 560);
+        endPass();
+        QCOMPARE(sizes(), zoomed);
+        // Scroll bars only where the image does not fit.
+        QVERIFY(qobject_cast<QScrollArea*>(editors[0]->parentWidget()->parentWidget())->horizontalScrollBar()->isVisible());
+        key(Qt::Key_0);
+        QVERIFY(!qobject_cast<QScrollArea*>(editors[0]->parentWidget()->parentWidget())->horizontalScrollBar()->isVisible());
+    }
 
-        const QSize visible = qobject_cast<QScrollArea*>(first->parentWidget()->parentWidget())->viewport()->size();
-        first->resize(visible);
-        last->resize(visible);
-        m_window->zoomOutEditors();
-        QCOMPARE(first->size(), visible);
+    void aNewWindowFitsTheScreen()
+    {
+        QWidget big;
+        big.resize(5000, 4000);
+        big.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&big));
+        const QRect available = big.screen()->availableGeometry();
+        QVERIFY(available.contains(big.frameGeometry()));
+        big.resize(available.width() + 300, 100);
+        QTRY_VERIFY(big.width() <= available.width());
     }
 
     void theColourWellIsAnUndoableChange()
@@ -393,6 +430,8 @@ private slots:
         QCOMPARE(m_window->actions().action(Command::SelectAll)->shortcut(), QKeySequence(QStringLiteral("Ctrl+A")));
         QCOMPARE(m_window->actions().action(Command::Undo)->shortcut(), QKeySequence(QKeySequence::Undo));
         QCOMPARE(m_window->actions().action(Command::Quit)->shortcut(), QKeySequence(QKeySequence::Quit));
+        QCOMPARE(m_window->actions().action(Command::SaveAs)->shortcut(), QKeySequence(QStringLiteral("Ctrl+Shift+S")));
+        QCOMPARE(sharedMnemonics(m_window->menuBar()->actions(), QStringLiteral("menu bar")), QStringList());
         QStringList titles;
         for (QAction* menu : m_window->menuBar()->actions())
             titles.append(menu->text());

@@ -5,9 +5,11 @@
 #include "inspector/inspector_panel.h"
 #include "inspector/line_timing_view.h"
 #include "inspector/morph_line_inspector.h"
+#include "inspector/panel_placement.h"
 #include "inspector/time_field.h"
 #include "platform/log.h"
 #include "platform/notification_center.h"
+#include "platform/qt/user_defaults.h"
 
 #include <QDialog>
 #include <QSignalSpy>
@@ -51,6 +53,38 @@ private slots:
         window.select({lines[0]});
         QCOMPARE(controller.shownView(), inspector.view());
         QCOMPARE(inspector.timingView()->field(TimingCell::StartBegin)->text(), QStringLiteral("0"));
+    }
+
+    void opensBesideTheDocumentWindowAndRemembersItsPlace()
+    {
+        UserDefaults::standard().remove(QLatin1String(PanelPlacement::kPositionKey));
+        FakeDocumentWindow window;
+        window.setGeometry(20, 40, 300, 200);
+        window.activate();
+        {
+            InspectorController controller;
+            controller.showPanel();
+            const QRect panel = controller.panel()->frameGeometry();
+            QCOMPARE(panel.left(), window.frameGeometry().right() + 9);
+            QCOMPARE(panel.top(), window.frameGeometry().top());
+            controller.panel()->move(60, 70);
+            QTRY_COMPARE(controller.panel()->pos(), QPoint(60, 70));
+            controller.hidePanel();
+            controller.showPanel();
+            QCOMPARE(controller.panel()->pos(), QPoint(60, 70));
+            controller.hidePanel();
+        }
+        // The next run of the program opens it there too; off the screen it is not used.
+        InspectorController later;
+        later.showPanel();
+        QCOMPARE(later.panel()->pos(), QPoint(60, 70));
+        later.hidePanel();
+        PanelPlacement::remember(QPoint(-5000, 70));
+        const QRect screen(0, 0, 800, 600);
+        QVERIFY(!PanelPlacement::remembered(QSize(200, 300), screen));
+        // No room on the right: on the left; none on either side: at the screen's edge.
+        QCOMPARE(PanelPlacement::besideWindow(QRect(500, 10, 200, 100), QSize(250, 300), screen), QPoint(242, 10));
+        QCOMPARE(PanelPlacement::besideWindow(QRect(100, 400, 600, 100), QSize(250, 300), screen), QPoint(550, 300));
     }
 
     void burstOfNotificationsRefreshesOnce()

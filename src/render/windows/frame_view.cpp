@@ -24,10 +24,12 @@ QRectF FrameView::imageRect() const
     if (m_image.isNull())
         return {};
     const QRectF area = contentsRect();
-    QSizeF size = QSizeF(m_image.size()).scaled(area.size(), Qt::KeepAspectRatio);
+    // The frame's own size is one frame pixel per device pixel.
+    const QSizeF own = QSizeF(m_image.size()) / devicePixelRatioF();
+    QSizeF size = own.scaled(area.size(), Qt::KeepAspectRatio);
     // A frame smaller than the view is shown at its own size, as image views do.
-    if (m_image.width() <= area.width() && m_image.height() <= area.height())
-        size = QSizeF(m_image.size());
+    if (own.width() <= area.width() && own.height() <= area.height())
+        size = own;
     return QRectF(area.center() - QPointF(size.width() / 2.0, size.height() / 2.0), size);
 }
 

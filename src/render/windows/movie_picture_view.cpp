@@ -64,10 +64,13 @@ void MoviePictureView::paintEvent(QPaintEvent*)
         return;
     }
     const QRect target = imageRect();
-    if (m_scaled.size() != target.size())
-        m_scaled = m_image.size() == target.size()
-            ? m_image
-            : m_image.scaled(target.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    // Scaled to device pixels, so that the picture is as sharp as the screen.
+    const qreal dpr = devicePixelRatioF();
+    const QSize pixels = (QSizeF(target.size()) * dpr).toSize();
+    if (m_scaled.size() != pixels || m_scaled.devicePixelRatio() != dpr) {
+        m_scaled = m_image.size() == pixels ? m_image : m_image.scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        m_scaled.setDevicePixelRatio(dpr);
+    }
     painter.drawImage(target.topLeft(), m_scaled);
     if (m_message.isEmpty())
         return;

@@ -69,7 +69,7 @@ void PreviewDock::recalc()
         return; // a closed strip computes nothing
     if (!m_document.ciimageInTrack(0) && !m_document.ciimageInTrack(1))
         return;
-    const QSize cell = m_strip->cellSize();
+    const QSize cell = cellPixelSize();
     if (cell.width() < 1 || cell.height() < 1)
         return;
     m_render->setCellSize({static_cast<float>(cell.width()), static_cast<float>(cell.height())});
@@ -81,9 +81,15 @@ void PreviewDock::recalc()
     emit renderStarted();
 }
 
+QSize PreviewDock::cellPixelSize() const
+{
+    // Cells are computed in device pixels, so that they are as sharp as the screen.
+    return (QSizeF(m_strip->cellSize()) * m_strip->devicePixelRatioF()).toSize();
+}
+
 void PreviewDock::cellSizeChanged()
 {
-    const QSize cell = m_strip->cellSize();
+    const QSize cell = cellPixelSize();
     const FrameSize current = m_render->cellSize();
     if (cell.width() != static_cast<int>(current.width) || cell.height() != static_cast<int>(current.height))
         m_scheduler->delayedRecalc();

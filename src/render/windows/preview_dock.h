@@ -49,6 +49,7 @@ signals:
 
 private:
     void cellSizeChanged();
+    QSize cellPixelSize() const;
     void openChanged(bool open);
     void orientationChanged(Qt::DockWidgetArea area);
 

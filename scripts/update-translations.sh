@@ -13,7 +13,7 @@ if [[ ${1:-} == --check ]]; then
     cp resources/translations/*.ts "$target/"
 fi
 
-update() { # area, source folders...
+update() { # area, source folders or files...
     local area=$1
     shift
     "$lupdate" -silent -locations none -no-obsolete -I src "$@" -ts "$target/plyra_${area}_de.ts"
@@ -24,6 +24,9 @@ update editor src/editor
 update inspector src/inspector
 update render src/render/windows
 update widgets src/widgets
+# What the layers below the windows tell the user: why a file cannot be read or saved. The
+# plain C++ code marks its texts with userText(), which reads like translate().
+update core -tr-function-alias translate+=userText src/model src/platform src/render/*.h src/render/*.cpp
 
 if [[ ${1:-} == --check ]]; then
     missing=$(grep -B2 'type="unfinished"' "$target"/*.ts | grep -o '<source>.*</source>' || true)

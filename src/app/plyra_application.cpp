@@ -7,10 +7,12 @@
 #include "app/morph_app_controller.h"
 #include "app/morph_editor_window_controller.h"
 #include "app/package_file_dialog.h"
+#include "app/screen_fit.h"
 #include "app/update_alerts.h"
 #include "inspector/inspector_controller.h"
 #include "model/morph_document.h"
 #include "platform/qt/qt_run_loop.h"
+#include "platform/user_text.h"
 
 #include <QApplication>
 #include <QFileInfo>
@@ -23,10 +25,24 @@
 namespace plyra {
 namespace {
 
-const char* const kTranslationAreas[] = {"plyra_app", "plyra_editor", "plyra_render", "plyra_inspector", "plyra_widgets"};
+const char* const kTranslationAreas[] = {"plyra_app", "plyra_editor", "plyra_render", "plyra_inspector", "plyra_widgets", "plyra_core"};
 
 // The language installTranslations() chose; the help is shown in it.
 QString s_interfaceLanguage = QStringLiteral("en");
+
+// Numbers are shown and read as the interface's language writes them: a German interface
+// chosen by LANGUAGE alone writes "0,3" even where the locale of LANG writes "0.3". A
+// locale of that language (de_CH under LANG) is kept as it is.
+std::string translateUserText(const char* context, const char* text)
+{
+    return QCoreApplication::translate(context, text).toStdString();
+}
+
+void useNumbersOf(const QString& language)
+{
+    const QLocale wanted(language);
+    QLocale::setDefault(QLocale::system().language() == wanted.language() ? QLocale::system() : wanted);
+}
 
 bool isImageArgument(const QString& argument)
 {
@@ -47,6 +63,8 @@ void PlyraApplication::configure(QApplication& application)
     application.setWindowIcon(QIcon(QStringLiteral(":/app/icons/plyra.svg")));
     application.setQuitOnLastWindowClosed(false);
     bindRunLoopToQtEventLoop();
+    setUserTextTranslator(&translateUserText);
+    ScreenFit::install();
     installTranslations(QLocale().uiLanguages());
     MorphAppController::registerDefaults();
     MorphEditorWindowController::registerDefaults();
@@ -55,6 +73,7 @@ void PlyraApplication::configure(QApplication& application)
 QString PlyraApplication::installTranslations(const QStringList& languages)
 {
     s_interfaceLanguage = QStringLiteral("en");
+    useNumbersOf(s_interfaceLanguage);
     for (const QString& language : languages) {
         const QString code = language.left(2).toLower();
         if (code == QLatin1String("en"))
@@ -74,6 +93,7 @@ QString PlyraApplication::installTranslations(const QStringList& languages)
         if (qtBase->load(QStringLiteral("qtbase_%1").arg(code), QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
             QCoreApplication::installTranslator(qtBase.release());
         s_interfaceLanguage = code;
+        useNumbersOf(code);
         return code;
     }
     return {};

@@ -38,7 +38,7 @@ std::optional<DisplayImage> failWith(ImageLoadFailure* failure, const FileReadEr
 
 std::optional<DisplayImage> interrupted(ImageLoadFailure* failure)
 {
-    return fail(failure, FileProblem::Interrupted, text("reading the image was interrupted"));
+    return fail(failure, FileProblem::Interrupted, text(QT_TRANSLATE_NOOP("DisplayImage", "reading the image was interrupted")));
 }
 
 QByteArray signature(const RegularFile& file)
@@ -53,7 +53,7 @@ std::optional<DisplayImage> loadPdf(RegularFile& file, ImageLoadFailure* failure
 {
     if (file.size() > kMaxPdfFileBytes)
         return fail(failure, FileProblem::TooLarge,
-                    text("the PDF file is too large (%1 MB; PDF files may have at most %2 MB)")
+                    text(QT_TRANSLATE_NOOP("DisplayImage", "the PDF file is too large (%1 MB; PDF files may have at most %2 MB)"))
                         .arg(file.size() >> 20)
                         .arg(kMaxPdfFileBytes >> 20));
     std::vector<std::uint8_t> bytes;
@@ -105,7 +105,7 @@ std::optional<DisplayImage> loadWithReader(RegularFile& file, ImageLoadFailure* 
     QImage raster = reader.read();
     if (raster.isNull()) {
         if (reader.error() == QImageReader::UnsupportedFormatError)
-            return fail(failure, FileProblem::Damaged, text("it is not an image in a format Plyra can read"));
+            return fail(failure, FileProblem::Damaged, text(QT_TRANSLATE_NOOP("DisplayImage", "it is not an image in a format Plyra can read")));
         return fail(failure, FileProblem::Damaged, reader.errorString());
     }
     if (StopRequest::isRequested())
@@ -126,7 +126,7 @@ std::optional<RegularFile> openImageFile(const QString& path, ImageKind* kind, I
     }
     const QByteArray head = signature(*file);
     if (head.isEmpty()) {
-        fail(failure, FileProblem::Unreadable, text("the file cannot be read"));
+        fail(failure, FileProblem::Unreadable, text(QT_TRANSLATE_NOOP("DisplayImage", "the file cannot be read")));
         return std::nullopt;
     }
     *kind = PdfImage::hasPdfSignature(head) ? ImageKind::Pdf
@@ -175,7 +175,7 @@ std::optional<DisplayImage> DisplayImage::load(const QString& path, ImageLoadFai
     try {
         return loadChecked(path, failure);
     } catch (const std::bad_alloc&) {
-        return fail(failure, FileProblem::OutOfMemory, text("there is not enough memory to read the image"));
+        return fail(failure, FileProblem::OutOfMemory, text(QT_TRANSLATE_NOOP("DisplayImage", "there is not enough memory to read the image")));
     }
 }
 

@@ -115,7 +115,7 @@ bool writeDictionary(const PackageContents& contents, const StagedDirectory& sta
         return true;
     const QString finalPath = QDir(staged.finalPath()).filePath(QLatin1String(DocumentPackage::kInfoFileName));
     logLine(formatString("Plyra could not save dictionary at %s", localPath(finalPath).c_str()));
-    return fail(error, packageText("Could not save “%1”: %2").arg(finalPath, QString::fromStdString(reason)));
+    return fail(error, packageText(QT_TRANSLATE_NOOP("DocumentPackage", "Could not save “%1”: %2")).arg(finalPath, QString::fromStdString(reason)));
 }
 
 bool writeImage(const PackageImage& entry, const StagedDirectory& staged, QString* error)
@@ -128,7 +128,7 @@ bool writeImage(const PackageImage& entry, const StagedDirectory& staged, QStrin
         return true;
     const QString finalPath = QDir(staged.finalPath()).filePath(entry.fileName);
     logLine(formatString("Failed to write image %s", localPath(finalPath).c_str()));
-    return fail(error, packageText("Could not save the image “%1”: %2").arg(finalPath, reason));
+    return fail(error, packageText(QT_TRANSLATE_NOOP("DocumentPackage", "Could not save the image “%1”: %2")).arg(finalPath, reason));
 }
 
 // ---- reading -------------------------------------------------------------------------
@@ -236,10 +236,10 @@ bool DocumentPackage::read(MorphDocument& document, const QString& packagePath, 
     std::string reason;
     const std::optional<PropertyList> info = readPropertyListFile(localPath(infoPath), &reason);
     if (!info)
-        return fail(error, packageText("The document “%1” could not be read: %2.")
+        return fail(error, packageText(QT_TRANSLATE_NOOP("DocumentPackage", "The document “%1” could not be read: %2."))
                                .arg(packagePath, QString::fromStdString(reason)));
     if (!info->isDictionary())
-        return fail(error, packageText("The document “%1” could not be read: “%2” does not hold a dictionary.")
+        return fail(error, packageText(QT_TRANSLATE_NOOP("DocumentPackage", "The document “%1” could not be read: “%2” does not hold a dictionary."))
                                .arg(packagePath, QLatin1String(kInfoFileName)));
     readImages(document, *info, packagePath);
     readFrameSize(document, *info);

@@ -67,14 +67,14 @@ std::optional<QImage> PdfImage::rasterize(const QByteArray& pdfData, QString* er
     PopplerMessages messages;
     std::unique_ptr<Poppler::Document> document = Poppler::Document::loadFromData(pdfData);
     if (!document)
-        return fail(error, "The PDF data could not be read.", messages);
+        return fail(error, QT_TRANSLATE_NOOP("PdfImage", "The PDF data could not be read."), messages);
     if (document->isLocked())
-        return fail(error, "The PDF document is protected by a password.", messages);
+        return fail(error, QT_TRANSLATE_NOOP("PdfImage", "The PDF document is protected by a password."), messages);
     if (document->numPages() < 1)
-        return fail(error, "The PDF document has no pages.", messages);
+        return fail(error, QT_TRANSLATE_NOOP("PdfImage", "The PDF document has no pages."), messages);
     std::unique_ptr<Poppler::Page> page = document->page(0);
     if (!page)
-        return fail(error, "The first page of the PDF document could not be read.", messages);
+        return fail(error, QT_TRANSLATE_NOOP("PdfImage", "The first page of the PDF document could not be read."), messages);
     // At 72 dpi a point is a pixel: the page's size is the raster's.
     const QSizeF points = page->pageSizeF();
     if (!imageSizeAllowed(points.width(), points.height())) {
@@ -85,7 +85,7 @@ std::optional<QImage> PdfImage::rasterize(const QByteArray& pdfData, QString* er
                 *error = tooLargePageReason(points.width(), points.height());
             return std::nullopt;
         }
-        return fail(error, "The first page of the PDF document has no size.", messages);
+        return fail(error, QT_TRANSLATE_NOOP("PdfImage", "The first page of the PDF document has no size."), messages);
     }
     document->setRenderHint(Poppler::Document::Antialiasing);
     document->setRenderHint(Poppler::Document::TextAntialiasing);
@@ -93,7 +93,7 @@ std::optional<QImage> PdfImage::rasterize(const QByteArray& pdfData, QString* er
     // Poppler gives a token image instead of nothing when it cannot draw the page whole.
     if (raster.isNull() || std::abs(raster.width() - std::ceil(points.width())) > 1.0
         || std::abs(raster.height() - std::ceil(points.height())) > 1.0)
-        return fail(error, "The first page of the PDF document could not be drawn.", messages);
+        return fail(error, QT_TRANSLATE_NOOP("PdfImage", "The first page of the PDF document could not be drawn."), messages);
     return raster;
 }
 

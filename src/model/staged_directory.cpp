@@ -70,7 +70,7 @@ StagedDirectory::StagedDirectory(const QString& finalPath)
 
 QString StagedDirectory::errorString() const
 {
-    return text("Could not create a folder beside “%1”: %2").arg(m_finalPath, m_staging.errorString());
+    return text(QT_TRANSLATE_NOOP("StagedDirectory", "Could not create a folder beside “%1”: %2")).arg(m_finalPath, m_staging.errorString());
 }
 
 QString StagedDirectory::stagingFilePath(const QString& name) const
@@ -90,14 +90,14 @@ bool StagedDirectory::commit(QString* error)
     // FIFO or socket, which moving aside and removing would take away from the system.
     const fs::file_status status = fs::symlink_status(fsPath(m_finalPath), code);
     if (!code && fs::exists(status) && !fs::is_directory(status) && !fs::is_regular_file(status) && !fs::is_symlink(status))
-        return fail(error, text("Could not save “%1”: it is not a folder or a regular file, and is left as it is.").arg(m_finalPath));
+        return fail(error, text(QT_TRANSLATE_NOOP("StagedDirectory", "Could not save “%1”: it is not a folder or a regular file, and is left as it is.")).arg(m_finalPath));
     code.clear();
     QString aside;
     if (existing.exists() || existing.isSymLink()) {
         aside = asideName(m_finalPath);
         fs::rename(fsPath(m_finalPath), fsPath(aside), code);
         if (code)
-            return fail(error, text("Could not move “%1” aside to replace it: %2")
+            return fail(error, text(QT_TRANSLATE_NOOP("StagedDirectory", "Could not move “%1” aside to replace it: %2"))
                                    .arg(m_finalPath, QString::fromStdString(code.message())));
     }
     fs::rename(fsPath(m_staging.path()), fsPath(m_finalPath), code);
@@ -106,7 +106,7 @@ bool StagedDirectory::commit(QString* error)
         std::error_code ignored;
         if (!aside.isEmpty())
             fs::rename(fsPath(aside), fsPath(m_finalPath), ignored);
-        return fail(error, text("Could not move the new “%1” into place: %2").arg(m_finalPath, reason));
+        return fail(error, text(QT_TRANSLATE_NOOP("StagedDirectory", "Could not move the new “%1” into place: %2")).arg(m_finalPath, reason));
     }
     m_staging.setAutoRemove(false);
     m_committed = true;

@@ -309,20 +309,20 @@ std::optional<QImage> readConverted(TIFF* tiff, const TiffHeader& h)
 bool TiffIo::write(const QImage& image, const QString& path, QString* error)
 {
     if (image.isNull())
-        return fail(error, tiffText("There is no image to write to “%1”.").arg(path));
+        return fail(error, tiffText(QT_TRANSLATE_NOOP("TiffIo", "There is no image to write to “%1”.")).arg(path));
     const StoredLayout layout = storedLayout(image);
     if (layout.pixels.isNull())
-        return fail(error, tiffText("The image for “%1” could not be converted to RGB.").arg(path));
+        return fail(error, tiffText(QT_TRANSLATE_NOOP("TiffIo", "The image for “%1” could not be converted to RGB.")).arg(path));
     TiffMessages messages;
     TiffFile tiff = openTiff(path, "w", messages);
     if (!tiff)
-        return fail(error, describe(tiffText("Could not create the TIFF file “%1”."), path, messages));
+        return fail(error, describe(tiffText(QT_TRANSLATE_NOOP("TiffIo", "Could not create the TIFF file “%1”.")), path, messages));
     setTags(tiff.get(), layout);
     const bool written = writeRows(tiff.get(), layout);
     tiff.reset();
     if (!written) {
         QFile::remove(path);
-        return fail(error, describe(tiffText("Could not write the TIFF file “%1”."), path, messages));
+        return fail(error, describe(tiffText(QT_TRANSLATE_NOOP("TiffIo", "Could not write the TIFF file “%1”.")), path, messages));
     }
     return true;
 }
@@ -338,21 +338,21 @@ std::optional<QImage> TiffIo::read(const QString& path, QString* error, FileProb
     FileReadError checked;
     std::optional<RegularFile> file = RegularFile::open(QFile::encodeName(path).toStdString(), kMaxImageFileBytes, &checked);
     if (!file)
-        return refuse(checked.problem, tiffText("Could not read “%1”: %2").arg(path, QString::fromStdString(checked.reason)));
+        return refuse(checked.problem, tiffText(QT_TRANSLATE_NOOP("TiffIo", "Could not read “%1”: %2")).arg(path, QString::fromStdString(checked.reason)));
     TiffMessages messages;
     TiffFile tiff = openTiffForReading(path, *file, messages);
     if (!tiff)
-        return refuse(FileProblem::Damaged, describe(tiffText("“%1” is not a readable TIFF file."), path, messages));
+        return refuse(FileProblem::Damaged, describe(tiffText(QT_TRANSLATE_NOOP("TiffIo", "“%1” is not a readable TIFF file.")), path, messages));
     TiffHeader header;
     if (!readHeader(tiff.get(), header) || header.width == 0 || header.height == 0)
-        return refuse(FileProblem::Damaged, describe(tiffText("“%1” has no image size."), path, messages));
+        return refuse(FileProblem::Damaged, describe(tiffText(QT_TRANSLATE_NOOP("TiffIo", "“%1” has no image size.")), path, messages));
     if (!imageSizeAllowed(header.width, header.height) || header.width > INT32_MAX / 4)
         return refuse(FileProblem::TooLarge, tooManyPixelsReason(header.width, header.height));
     std::optional<QImage> image = isPlainRgb(header) ? readPlainRgb(tiff.get(), header) : readConverted(tiff.get(), header);
     if (StopRequest::isRequested())
-        return refuse(FileProblem::Interrupted, tiffText("reading the image was interrupted"));
+        return refuse(FileProblem::Interrupted, tiffText(QT_TRANSLATE_NOOP("TiffIo", "reading the image was interrupted")));
     if (!image)
-        return refuse(FileProblem::Damaged, describe(tiffText("The pixels of “%1” could not be read."), path, messages));
+        return refuse(FileProblem::Damaged, describe(tiffText(QT_TRANSLATE_NOOP("TiffIo", "The pixels of “%1” could not be read.")), path, messages));
     std::uint32_t profileSize = 0;
     const void* profile = nullptr;
     if (TIFFGetField(tiff.get(), TIFFTAG_ICCPROFILE, &profileSize, &profile) && profile && profileSize > 0)

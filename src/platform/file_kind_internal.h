@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "platform/user_text.h"
+
 #include <cstdint>
 #include <string>
 #include <sys/stat.h>
@@ -8,23 +10,23 @@
 namespace plyra {
 
 /// What kind of directory entry a mode describes, as a user would call it.
-inline const char* fileKindName(mode_t mode)
+inline std::string fileKindName(mode_t mode)
 {
     if (S_ISREG(mode))
-        return "a regular file";
+        return userText("FileKind", "a regular file");
     if (S_ISDIR(mode))
-        return "a folder";
+        return userText("FileKind", "a folder");
     if (S_ISFIFO(mode))
-        return "a FIFO (named pipe)";
+        return userText("FileKind", "a FIFO (named pipe)");
     if (S_ISCHR(mode))
-        return "a character device";
+        return userText("FileKind", "a character device");
     if (S_ISBLK(mode))
-        return "a block device";
+        return userText("FileKind", "a block device");
     if (S_ISSOCK(mode))
-        return "a socket";
+        return userText("FileKind", "a socket");
     if (S_ISLNK(mode))
-        return "a symbolic link";
-    return "not a regular file";
+        return userText("FileKind", "a symbolic link");
+    return userText("FileKind", "not a regular file");
 }
 
 /// A byte count for messages: "512 bytes", "16 MB", "30.0 GB" (binary multiples).

@@ -2,7 +2,7 @@
 #include "platform/output_path_guard.h"
 
 #include "platform/file_kind_internal.h"
-#include "platform/log.h"
+#include "platform/user_text.h"
 
 #include <cerrno>
 #include <climits>
@@ -19,6 +19,13 @@ std::optional<std::string> refuse(std::string* error, std::string reason)
     if (error)
         *error = std::move(reason);
     return std::nullopt;
+}
+
+std::string unusableFolder(const std::string& folder, int code)
+{
+    if (code == ENOENT)
+        return fillIn(userText("OutputPathGuard", "the folder '%1' does not exist"), {folder});
+    return fillIn(userText("OutputPathGuard", "the folder '%1' cannot be used: %2"), {folder, std::strerror(code)});
 }
 
 std::optional<std::string> canonicalPath(const std::string& path)
@@ -67,18 +74,19 @@ bool checkExistingEntry(const std::string& path, std::string& target, std::strin
         struct stat pointee {};
         const std::optional<std::string> resolved = canonicalPath(path);
         if (!resolved || ::stat(path.c_str(), &pointee) != 0)
-            return refuse(error, "it is a symbolic link that leads nowhere").has_value();
+            return refuse(error, userText("OutputPathGuard", "it is a symbolic link that leads nowhere")).has_value();
         if (!S_ISREG(pointee.st_mode))
-            return refuse(error, formatString("it is a symbolic link to '%s', which is %s, not a regular file",
-                                              resolved->c_str(), fileKindName(pointee.st_mode)))
+            return refuse(error, fillIn(userText("OutputPathGuard", "it is a symbolic link to '%1', which is %2, not a regular file"),
+                                     {*resolved, fileKindName(pointee.st_mode)}))
                 .has_value();
         target = *resolved;
         return true;
     }
     if (S_ISDIR(entry.st_mode))
-        return refuse(error, "it is a folder").has_value();
+        return refuse(error, userText("OutputPathGuard", "it is a folder")).has_value();
     if (!S_ISREG(entry.st_mode))
-        return refuse(error, formatString("it is %s, not a regular file", fileKindName(entry.st_mode))).has_value();
+        return refuse(error, fillIn(userText("OutputPathGuard", "it is %1, not a regular file"), {fileKindName(entry.st_mode)}))
+            .has_value();
     return true;
 }
 
@@ -99,10 +107,10 @@ std::optional<std::string> OutputPathGuard::protectedReason(const std::string& c
     const bool exists = ::stat(canonical.c_str(), &existing) == 0;
     for (const Protected& entry : m_protected) {
         if (entry.folder && (canonical == entry.canonical || isInside(canonical, entry.canonical)))
-            return formatString("it lies inside '%s', the document being read", entry.canonical.c_str());
+            return fillIn(userText("OutputPathGuard", "it lies inside '%1', the document being read"), {entry.canonical});
         if (!entry.folder
             && (canonical == entry.canonical || (exists && existing.st_dev == entry.device && existing.st_ino == entry.inode)))
-            return formatString("it is '%s', a file the document reads", entry.canonical.c_str());
+            return fillIn(userText("OutputPathGuard", "it is '%1', a file the document reads"), {entry.canonical});
     }
     return std::nullopt;
 }
@@ -110,25 +118,24 @@ std::optional<std::string> OutputPathGuard::protectedReason(const std::string& c
 std::optional<std::string> OutputPathGuard::check(const std::string& path, std::string* error) const
 {
     if (path.empty())
-        return refuse(error, "no file name was given");
+        return refuse(error, userText("OutputPathGuard", "no file name was given"));
     const std::string name = nameOf(path);
     if (name.empty() || name == "." || name == "..")
-        return refuse(error, "it names a folder, not a file");
+        return refuse(error, userText("OutputPathGuard", "it names a folder, not a file"));
     std::string target;
     if (!checkExistingEntry(path, target, error))
         return std::nullopt;
     const std::string folder = parentOf(target);
     struct stat info {};
     if (::stat(folder.c_str(), &info) != 0)
-        return refuse(error, errno == ENOENT ? formatString("the folder '%s' does not exist", folder.c_str())
-                                             : formatString("the folder '%s' cannot be used: %s", folder.c_str(), std::strerror(errno)));
+        return refuse(error, unusableFolder(folder, errno));
     if (!S_ISDIR(info.st_mode))
-        return refuse(error, formatString("'%s' is not a folder", folder.c_str()));
+        return refuse(error, fillIn(userText("OutputPathGuard", "'%1' is not a folder"), {folder}));
     if (::access(folder.c_str(), W_OK | X_OK) != 0)
-        return refuse(error, formatString("the folder '%s' is not writable (%s)", folder.c_str(), std::strerror(errno)));
+        return refuse(error, fillIn(userText("OutputPathGuard", "the folder '%1' is not writable (%2)"), {folder, std::strerror(errno)}));
     const std::optional<std::string> canonicalFolder = canonicalPath(folder);
     if (!canonicalFolder)
-        return refuse(error, formatString("the folder '%s' cannot be used: %s", folder.c_str(), std::strerror(errno)));
+        return refuse(error, unusableFolder(folder, errno));
     const std::string canonical = (*canonicalFolder == "/" ? std::string() : *canonicalFolder) + "/" + nameOf(target);
     if (std::optional<std::string> reason = protectedReason(canonical))
         return refuse(error, std::move(*reason));

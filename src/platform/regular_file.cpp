@@ -4,6 +4,7 @@
 #include "platform/file_kind_internal.h"
 #include "platform/log.h"
 #include "platform/stop_request.h"
+#include "platform/user_text.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -29,7 +30,7 @@ bool fail(FileReadError* error, FileProblem problem, std::string reason)
 bool failWithErrno(FileReadError* error, int code)
 {
     if (code == ENOENT || code == ENOTDIR)
-        return fail(error, FileProblem::Missing, "no such file");
+        return fail(error, FileProblem::Missing, userText("RegularFile", "no such file"));
     return fail(error, FileProblem::Unreadable, std::strerror(code));
 }
 
@@ -38,15 +39,17 @@ bool failWithErrno(FileReadError* error, int code)
 bool acceptable(const struct stat& info, std::uint64_t maxBytes, FileReadError* error)
 {
     if (S_ISDIR(info.st_mode))
-        return fail(error, FileProblem::Folder, "it is a folder, not a file");
+        return fail(error, FileProblem::Folder, userText("RegularFile", "it is a folder, not a file"));
     if (!S_ISREG(info.st_mode))
-        return fail(error, FileProblem::NotRegular, formatString("it is %s, not a regular file", fileKindName(info.st_mode)));
+        return fail(error, FileProblem::NotRegular,
+            fillIn(userText("RegularFile", "it is %1, not a regular file"), {fileKindName(info.st_mode)}));
     const auto size = static_cast<std::uint64_t>(info.st_size);
     if (size == 0)
-        return fail(error, FileProblem::Empty, "the file is empty");
+        return fail(error, FileProblem::Empty, userText("RegularFile", "the file is empty"));
     if (size > maxBytes)
-        return fail(error, FileProblem::TooLarge, formatString("the file is too large (%s; files of this kind may have at most %s)",
-                                                                byteSizeText(size).c_str(), byteSizeText(maxBytes).c_str()));
+        return fail(error, FileProblem::TooLarge,
+            fillIn(userText("RegularFile", "the file is too large (%1; files of this kind may have at most %2)"),
+                {byteSizeText(size), byteSizeText(maxBytes)}));
     return true;
 }
 
@@ -57,7 +60,7 @@ std::string byteSizeText(std::uint64_t bytes)
     constexpr double kKiB = 1024.0;
     const auto b = static_cast<double>(bytes);
     if (b < kKiB)
-        return formatString("%llu bytes", static_cast<unsigned long long>(bytes));
+        return fillIn(userText("RegularFile", "%1 bytes"), {std::to_string(bytes)});
     if (b < kKiB * kKiB)
         return formatString("%.0f KB", b / kKiB);
     if (b < kKiB * kKiB * kKiB)
@@ -139,13 +142,13 @@ bool RegularFile::readRest(std::vector<std::uint8_t>& bytes, FileReadError* erro
         bytes.reserve(bytes.size() + static_cast<std::size_t>(std::min(m_size, m_maxBytes)));
         for (;;) {
             if (StopRequest::isRequested())
-                return fail(error, FileProblem::Interrupted, "reading was interrupted");
+                return fail(error, FileProblem::Interrupted, userText("RegularFile", "reading was interrupted"));
             // One byte beyond the limit tells a file that grew since it was opened.
             const std::uint64_t room = m_maxBytes + 1 - std::min<std::uint64_t>(bytes.size(), m_maxBytes + 1);
             if (room == 0)
                 return fail(error, FileProblem::TooLarge,
-                            formatString("the file is too large (files of this kind may have at most %s)",
-                                         byteSizeText(m_maxBytes).c_str()));
+                    fillIn(userText("RegularFile", "the file is too large (files of this kind may have at most %1)"),
+                        {byteSizeText(m_maxBytes)}));
             const std::size_t old = bytes.size();
             bytes.resize(old + static_cast<std::size_t>(std::min<std::uint64_t>(room, kChunkBytes)));
             const ssize_t n = ::read(m_fd, bytes.data() + old, bytes.size() - old);
@@ -160,7 +163,7 @@ bool RegularFile::readRest(std::vector<std::uint8_t>& bytes, FileReadError* erro
         }
     } catch (const std::bad_alloc&) {
         std::vector<std::uint8_t>().swap(bytes);
-        return fail(error, FileProblem::OutOfMemory, "there is not enough memory to read it");
+        return fail(error, FileProblem::OutOfMemory, userText("RegularFile", "there is not enough memory to read it"));
     }
 }
 

@@ -3,6 +3,7 @@
 
 #include "platform/atomic_file_writer.h"
 
+#include <QCoreApplication>
 #include <QBuffer>
 #include <QFile>
 #include <QFileInfo>
@@ -90,10 +91,10 @@ QByteArray encodeFrame(const QImage& frame, FrameFileFormat format, QString* err
 bool saveFrame(const Bitmap& bitmap, const QString& path, QString* error)
 {
     if (bitmap.isEmpty())
-        return fail(error, QStringLiteral("no frame has been rendered"));
+        return fail(error, QCoreApplication::translate("FrameOutput", "no frame has been rendered"));
     const std::optional<FrameFileFormat> format = frameFileFormatForPath(path);
     if (!format)
-        return fail(error, QStringLiteral("a frame is saved as .jpg, .jpeg, .png, .tif or .tiff"));
+        return fail(error, QCoreApplication::translate("FrameOutput", "a frame is saved as .jpg, .jpeg, .png, .tif or .tiff"));
     const QByteArray bytes = encodeFrame(imageFromBitmap(bitmap), *format, error);
     return !bytes.isEmpty() && writeOutputFile(path, bytes, error);
 }

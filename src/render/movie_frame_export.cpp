@@ -8,6 +8,7 @@
 #include "platform/side_file.h"
 #include "render/output_path_check.h"
 
+#include <QCoreApplication>
 #include <QFile>
 
 #include <cerrno>
@@ -47,7 +48,7 @@ std::unique_ptr<SideFile> writeBeside(const QString& target, const QByteArray& b
     std::unique_ptr<SideFile> side = AtomicFileWriter::stage(QFile::encodeName(target).toStdString(), bytes.constData(),
                                                              static_cast<std::size_t>(bytes.size()), &reason);
     if (!side)
-        fail(error, QStringLiteral("cannot write '%1': %2").arg(target, QString::fromStdString(reason)));
+        fail(error, QCoreApplication::translate("MovieFrameExport", "cannot write '%1': %2").arg(target, QString::fromStdString(reason)));
     return side;
 }
 
@@ -63,7 +64,7 @@ bool MovieFrameExport::writeAnimatedGif(const Movie& movie, const QString& path,
 {
     const MovieMedia* media = videoMedia(movie);
     if (!media || media->sampleCount() == 0)
-        return fail(error, QStringLiteral("the movie has no frames"));
+        return fail(error, QCoreApplication::translate("MovieFrameExport", "the movie has no frames"));
     MovieFrameDecoder decoder(*media);
     MovieStatus status;
     const std::optional<RgbaImage> first = decoder.decode(0, &status);
@@ -80,7 +81,7 @@ bool MovieFrameExport::writeImageSequence(const Movie& movie, const ImageSequenc
 {
     const MovieMedia* media = videoMedia(movie);
     if (!media || media->sampleCount() == 0)
-        return fail(error, QStringLiteral("the movie has no frames"));
+        return fail(error, QCoreApplication::translate("MovieFrameExport", "the movie has no frames"));
     MovieFrameDecoder decoder(*media);
     std::vector<StagedFrame> staged;
     for (std::size_t index = 0; index < media->sampleCount(); ++index) {
@@ -88,7 +89,7 @@ bool MovieFrameExport::writeImageSequence(const Movie& movie, const ImageSequenc
         QString target;
         QString refusal;
         if (!checkOutputPath(document, name, &target, &refusal))
-            return fail(error, QStringLiteral("cannot write '%1': %2").arg(name, refusal));
+            return fail(error, QCoreApplication::translate("MovieFrameExport", "cannot write '%1': %2").arg(name, refusal));
         MovieStatus status;
         const std::optional<RgbaImage> frame = decoder.decode(index, &status);
         if (!frame)
@@ -102,7 +103,7 @@ bool MovieFrameExport::writeImageSequence(const Movie& movie, const ImageSequenc
     // Every frame is complete: only now does any of them take its name.
     for (StagedFrame& frame : staged)
         if (!frame.side->commit(frame.target))
-            return fail(error, QStringLiteral("cannot move the frame into place at '%1': %2")
+            return fail(error, QCoreApplication::translate("MovieFrameExport", "cannot move the frame into place at '%1': %2")
                                    .arg(QFile::decodeName(frame.target.c_str()), QString::fromLocal8Bit(std::strerror(errno))));
     return true;
 }

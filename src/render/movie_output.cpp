@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "render/movie_output.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 
 namespace plyra {
@@ -63,7 +64,7 @@ std::optional<ImageSequencePattern> ImageSequencePattern::parse(const QString& p
     const std::optional<FrameFileFormat> format = frameFileFormatForPath(path);
     if (!wellFormed || !placeholder || !format) {
         // Joined, not formatted: the text itself holds percent signs.
-        fail(error, QStringLiteral("a numbered image sequence needs one %d or %0Nd (N from 1 to 9) in its file name "
+        fail(error, QCoreApplication::translate("MovieOutput", "a numbered image sequence needs one %d or %0Nd (N from 1 to 9) in its file name "
                                    "and the extension .png, .jpg, .jpeg, .tif or .tiff: '") + path + QLatin1Char('\''));
         return std::nullopt;
     }
@@ -93,7 +94,7 @@ std::optional<MovieOutputKind> movieOutputKindForPath(const QString& path, QStri
         return MovieOutputKind::QuickTime;
     if (suffix == QLatin1String("gif"))
         return MovieOutputKind::AnimatedGif;
-    fail(error, QStringLiteral("a movie is saved as .mov, .gif or a numbered image sequence such as "
+    fail(error, QCoreApplication::translate("MovieOutput", "a movie is saved as .mov, .gif or a numbered image sequence such as "
                                "NAME_%04d.png: '") + path + QLatin1Char('\''));
     return std::nullopt;
 }

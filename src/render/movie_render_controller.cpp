@@ -9,6 +9,7 @@
 #include "render/movie_frame_export.h"
 #include "render/output_path_check.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QStringList>
 
@@ -39,7 +40,7 @@ QString unavailableCodecMessage(const std::string& code)
     QStringList codes;
     for (const CodecChoice& choice : kCodecChoices)
         codes << QStringLiteral("'%1'").arg(QLatin1String(choice.code));
-    return QStringLiteral("no encoder here can write the codec '%1' into a QuickTime movie; the codecs that always "
+    return QCoreApplication::translate("MovieRenderController", "no encoder here can write the codec '%1' into a QuickTime movie; the codecs that always "
                           "work are %2").arg(QString::fromStdString(code), codes.join(QStringLiteral(", ")));
 }
 
@@ -82,7 +83,7 @@ bool MovieRenderController::recalc()
         return false;
     if (RenderController::recalc())
         return true;
-    m_error = QStringLiteral("the document has no image to render");
+    m_error = QCoreApplication::translate("MovieRenderController", "the document has no image to render");
     return false;
 }
 
@@ -126,7 +127,7 @@ bool MovieRenderController::makeTemporaryMovie()
     std::unique_ptr<Movie> movie = m_tempPath.empty() ? nullptr : Movie::createInStorage(m_tempPath, &status);
     if (!movie) {
         logLine(formatString("CreateMovieStorage error %d", status.code));
-        m_error = QStringLiteral("cannot make the temporary movie: %1").arg(QString::fromStdString(status.message));
+        m_error = QCoreApplication::translate("MovieRenderController", "cannot make the temporary movie: %1").arg(QString::fromStdString(status.message));
         cleanUpTempPaths();
         return false;
     }
@@ -215,7 +216,7 @@ bool MovieRenderController::saveRenderedMovie(const QString& path, QString* erro
     if (!checkOutputPath(document(), path, &target, error))
         return false;
     if (!m_writer)
-        return fail(QStringLiteral("no movie has been rendered"));
+        return fail(QCoreApplication::translate("MovieRenderController", "no movie has been rendered"));
     const Movie* complete = movie();
     stopOnWriterFailure();
     if (isRendering() || m_appendFailed)
@@ -228,7 +229,7 @@ bool MovieRenderController::saveRenderedMovie(const QString& path, QString* erro
         m_writer->movie().finishCompression();
     m_writer->unlock();
     if (frames != static_cast<std::size_t>(m_framesAppended))
-        return fail(QStringLiteral("only %1 of %2 frames could be compressed").arg(frames).arg(m_framesAppended));
+        return fail(QCoreApplication::translate("MovieRenderController", "only %1 of %2 frames could be compressed").arg(frames).arg(m_framesAppended));
     const std::optional<MovieOutputKind> kind = movieOutputKindForPath(path, error);
     return kind && writeMovieAs(*kind, path, target, error);
 }

@@ -2,6 +2,7 @@
 #include "platform/movie/movie_encoder_internal.h"
 
 #include "platform/log.h"
+#include "platform/user_text.h"
 #include "platform/movie/movie.h"
 
 extern "C" {
@@ -111,9 +112,9 @@ MovieStatus checkImageCompression(const AddImageAttributes& attributes, int widt
     MovieStatus status;
     if (MovieEncoder::create(attributes.codecType, attributes.codecQuality, width, height, kMovieTimeScale, &status))
         return MovieStatus::success();
-    return MovieStatus::failure(status.code, formatString("The codec \"%s\" cannot compress frames of %d x %d pixels: %s",
-                                                          fourCharCodeString(attributes.codecType).c_str(), width,
-                                                          height, status.message.c_str()));
+    return MovieStatus::failure(status.code,
+        fillIn(userText("MovieEncoder", "The codec \"%1\" cannot compress frames of %2 x %3 pixels: %4"),
+            {fourCharCodeString(attributes.codecType), std::to_string(width), std::to_string(height), status.message}));
 }
 
 AVDictionary* MovieEncoder::configureCodec()

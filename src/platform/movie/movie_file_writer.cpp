@@ -2,6 +2,7 @@
 #include "platform/movie/movie_file_io_internal.h"
 
 #include "platform/log.h"
+#include "platform/user_text.h"
 #include "platform/movie/movie_codec_internal.h"
 #include "platform/movie/movie_output_file_internal.h"
 
@@ -197,7 +198,7 @@ MovieStatus writeMovieFile(const Movie& movie, const std::string& path, bool fas
     std::vector<TrackOutput> outputs = tracksToWrite(movie);
     if (outputs.empty())
         return MovieStatus::failure(kMovieInvalidMedia,
-                                    formatString("Could not write \"%s\": the movie has no frames", path.c_str()));
+            fillIn(userText("MovieFileWriter", "Could not write \"%1\": the movie has no frames"), {path}));
     // Only a regular file or a new name is replaced; a link to a file keeps being a link.
     MovieOutputFile file(path);
     if (!file.status().ok())

@@ -2,6 +2,7 @@
 #include "platform/movie/movie_output_file_internal.h"
 
 #include "platform/log.h"
+#include "platform/user_text.h"
 #include "platform/output_path_guard.h"
 
 #include <cerrno>
@@ -15,7 +16,7 @@ MovieOutputFile::MovieOutputFile(const std::string& path)
     std::string refusal;
     m_target = OutputPathGuard().check(path, &refusal);
     if (!m_target) {
-        m_status = MovieStatus::failure(kMovieFileError, formatString("Could not write \"%s\": %s", path.c_str(), refusal.c_str()));
+        m_status = MovieStatus::failure(kMovieFileError, fillIn(userText("MovieOutputFile", "Could not write \"%1\": %2"), {path, refusal}));
         return;
     }
     m_side = std::make_unique<SideFile>(*m_target);

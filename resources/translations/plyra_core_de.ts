@@ -1,0 +1,382 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de_DE">
+<context>
+    <name>DisplayImage</name>
+    <message>
+        <source>reading the image was interrupted</source>
+        <translation>das Lesen des Bildes wurde abgebrochen</translation>
+    </message>
+    <message>
+        <source>the PDF file is too large (%1 MB; PDF files may have at most %2 MB)</source>
+        <translation>die PDF-Datei ist zu groß (%1 MB; PDF-Dateien dürfen höchstens %2 MB haben)</translation>
+    </message>
+    <message>
+        <source>it is not an image in a format Plyra can read</source>
+        <translation>sie ist kein Bild in einem Format, das Plyra lesen kann</translation>
+    </message>
+    <message>
+        <source>the file cannot be read</source>
+        <translation>die Datei kann nicht gelesen werden</translation>
+    </message>
+    <message>
+        <source>there is not enough memory to read the image</source>
+        <translation>der Speicher reicht nicht, um das Bild zu lesen</translation>
+    </message>
+</context>
+<context>
+    <name>DocumentPackage</name>
+    <message>
+        <source>Could not save “%1”: %2</source>
+        <translation>„%1“ konnte nicht gespeichert werden: %2</translation>
+    </message>
+    <message>
+        <source>Could not save the image “%1”: %2</source>
+        <translation>Das Bild „%1“ konnte nicht gespeichert werden: %2</translation>
+    </message>
+    <message>
+        <source>The document “%1” could not be read: %2.</source>
+        <translation>Das Dokument „%1“ konnte nicht gelesen werden: %2.</translation>
+    </message>
+    <message>
+        <source>The document “%1” could not be read: “%2” does not hold a dictionary.</source>
+        <translation>Das Dokument „%1“ konnte nicht gelesen werden: „%2“ enthält kein Wörterbuch.</translation>
+    </message>
+</context>
+<context>
+    <name>FileKind</name>
+    <message>
+        <source>a regular file</source>
+        <translation>eine reguläre Datei</translation>
+    </message>
+    <message>
+        <source>a folder</source>
+        <translation>ein Ordner</translation>
+    </message>
+    <message>
+        <source>a FIFO (named pipe)</source>
+        <translation>ein FIFO (benannte Pipe)</translation>
+    </message>
+    <message>
+        <source>a character device</source>
+        <translation>ein zeichenorientiertes Gerät</translation>
+    </message>
+    <message>
+        <source>a block device</source>
+        <translation>ein blockorientiertes Gerät</translation>
+    </message>
+    <message>
+        <source>a socket</source>
+        <translation>ein Socket</translation>
+    </message>
+    <message>
+        <source>a symbolic link</source>
+        <translation>eine symbolische Verknüpfung</translation>
+    </message>
+    <message>
+        <source>not a regular file</source>
+        <translation>keine reguläre Datei</translation>
+    </message>
+</context>
+<context>
+    <name>FrameOutput</name>
+    <message>
+        <source>no frame has been rendered</source>
+        <translation>es wurde kein Bild berechnet</translation>
+    </message>
+    <message>
+        <source>a frame is saved as .jpg, .jpeg, .png, .tif or .tiff</source>
+        <translation>ein Einzelbild wird als .jpg, .jpeg, .png, .tif oder .tiff gespeichert</translation>
+    </message>
+</context>
+<context>
+    <name>ImageLimits</name>
+    <message>
+        <source>%1 × %2 pixels, more than the %3 million (such as 16384 × 16384) that are read</source>
+        <translation>%1 × %2 Pixel, mehr als die %3 Millionen (etwa 16384 × 16384), die gelesen werden</translation>
+    </message>
+    <message>
+        <source>the image is too large: %1</source>
+        <translation>das Bild ist zu groß: %1</translation>
+    </message>
+    <message>
+        <source>the first page of the PDF document is too large: at 72 dpi it has %1</source>
+        <translation>die erste Seite des PDF-Dokuments ist zu groß: bei 72 dpi hat sie %1</translation>
+    </message>
+</context>
+<context>
+    <name>MovieEncoder</name>
+    <message>
+        <source>The codec &quot;%1&quot; cannot compress frames of %2 x %3 pixels: %4</source>
+        <translation>Der Codec „%1“ kann keine Bilder von %2 × %3 Pixeln komprimieren: %4</translation>
+    </message>
+</context>
+<context>
+    <name>MovieFileWriter</name>
+    <message>
+        <source>Could not write &quot;%1&quot;: the movie has no frames</source>
+        <translation>„%1“ konnte nicht geschrieben werden: der Film hat keine Bilder</translation>
+    </message>
+</context>
+<context>
+    <name>MovieFrameExport</name>
+    <message>
+        <source>cannot write &apos;%1&apos;: %2</source>
+        <translation>„%1“ kann nicht geschrieben werden: %2</translation>
+    </message>
+    <message>
+        <source>the movie has no frames</source>
+        <translation>der Film hat keine Bilder</translation>
+    </message>
+    <message>
+        <source>cannot move the frame into place at &apos;%1&apos;: %2</source>
+        <translation>das Bild kann nicht nach „%1“ verschoben werden: %2</translation>
+    </message>
+</context>
+<context>
+    <name>MovieOutput</name>
+    <message>
+        <source>a numbered image sequence needs one %d or %0Nd (N from 1 to 9) in its file name and the extension .png, .jpg, .jpeg, .tif or .tiff: &apos;</source>
+        <translation>eine nummerierte Bildfolge braucht ein %d oder %0Nd (N von 1 bis 9) im Dateinamen und die Endung .png, .jpg, .jpeg, .tif oder .tiff: &apos;</translation>
+    </message>
+    <message>
+        <source>a movie is saved as .mov, .gif or a numbered image sequence such as NAME_%04d.png: &apos;</source>
+        <translation>ein Film wird als .mov, .gif oder als nummerierte Bildfolge wie NAME_%04d.png gespeichert: &apos;</translation>
+    </message>
+</context>
+<context>
+    <name>MovieOutputFile</name>
+    <message>
+        <source>Could not write &quot;%1&quot;: %2</source>
+        <translation>„%1“ konnte nicht geschrieben werden: %2</translation>
+    </message>
+</context>
+<context>
+    <name>MovieRenderController</name>
+    <message>
+        <source>no encoder here can write the codec &apos;%1&apos; into a QuickTime movie; the codecs that always work are %2</source>
+        <translation>kein Encoder hier kann den Codec „%1“ in einen QuickTime-Film schreiben; immer möglich sind %2</translation>
+    </message>
+    <message>
+        <source>the document has no image to render</source>
+        <translation>das Dokument hat kein Bild zum Berechnen</translation>
+    </message>
+    <message>
+        <source>cannot make the temporary movie: %1</source>
+        <translation>der vorläufige Film kann nicht angelegt werden: %1</translation>
+    </message>
+    <message>
+        <source>no movie has been rendered</source>
+        <translation>es wurde kein Film berechnet</translation>
+    </message>
+    <message>
+        <source>only %1 of %2 frames could be compressed</source>
+        <translation>nur %1 von %2 Bildern konnten komprimiert werden</translation>
+    </message>
+</context>
+<context>
+    <name>OutputPathGuard</name>
+    <message>
+        <source>the folder &apos;%1&apos; does not exist</source>
+        <translation>den Ordner „%1“ gibt es nicht</translation>
+    </message>
+    <message>
+        <source>the folder &apos;%1&apos; cannot be used: %2</source>
+        <translation>der Ordner „%1“ kann nicht verwendet werden: %2</translation>
+    </message>
+    <message>
+        <source>it is a symbolic link that leads nowhere</source>
+        <translation>es ist eine symbolische Verknüpfung, die ins Leere führt</translation>
+    </message>
+    <message>
+        <source>it is a symbolic link to &apos;%1&apos;, which is %2, not a regular file</source>
+        <translation>es ist eine symbolische Verknüpfung auf „%1“, und das ist %2, keine reguläre Datei</translation>
+    </message>
+    <message>
+        <source>it is a folder</source>
+        <translation>es ist ein Ordner</translation>
+    </message>
+    <message>
+        <source>it is %1, not a regular file</source>
+        <translation>es ist %1, keine reguläre Datei</translation>
+    </message>
+    <message>
+        <source>it lies inside &apos;%1&apos;, the document being read</source>
+        <translation>es liegt in „%1“, dem Dokument, das gelesen wird</translation>
+    </message>
+    <message>
+        <source>it is &apos;%1&apos;, a file the document reads</source>
+        <translation>es ist „%1“, eine Datei, die das Dokument liest</translation>
+    </message>
+    <message>
+        <source>no file name was given</source>
+        <translation>es wurde kein Dateiname angegeben</translation>
+    </message>
+    <message>
+        <source>it names a folder, not a file</source>
+        <translation>der Name bezeichnet einen Ordner, keine Datei</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is not a folder</source>
+        <translation>„%1“ ist kein Ordner</translation>
+    </message>
+    <message>
+        <source>the folder &apos;%1&apos; is not writable (%2)</source>
+        <translation>in den Ordner „%1“ kann nicht geschrieben werden (%2)</translation>
+    </message>
+</context>
+<context>
+    <name>PdfImage</name>
+    <message>
+        <source>The PDF data could not be read.</source>
+        <translation>Die PDF-Daten konnten nicht gelesen werden.</translation>
+    </message>
+    <message>
+        <source>The PDF document is protected by a password.</source>
+        <translation>Das PDF-Dokument ist durch ein Kennwort geschützt.</translation>
+    </message>
+    <message>
+        <source>The PDF document has no pages.</source>
+        <translation>Das PDF-Dokument hat keine Seiten.</translation>
+    </message>
+    <message>
+        <source>The first page of the PDF document could not be read.</source>
+        <translation>Die erste Seite des PDF-Dokuments konnte nicht gelesen werden.</translation>
+    </message>
+    <message>
+        <source>The first page of the PDF document has no size.</source>
+        <translation>Die erste Seite des PDF-Dokuments hat keine Größe.</translation>
+    </message>
+    <message>
+        <source>The first page of the PDF document could not be drawn.</source>
+        <translation>Die erste Seite des PDF-Dokuments konnte nicht gezeichnet werden.</translation>
+    </message>
+</context>
+<context>
+    <name>RegularFile</name>
+    <message>
+        <source>no such file</source>
+        <translation>die Datei gibt es nicht</translation>
+    </message>
+    <message>
+        <source>it is a folder, not a file</source>
+        <translation>es ist ein Ordner, keine Datei</translation>
+    </message>
+    <message>
+        <source>it is %1, not a regular file</source>
+        <translation>es ist %1, keine reguläre Datei</translation>
+    </message>
+    <message>
+        <source>the file is empty</source>
+        <translation>die Datei ist leer</translation>
+    </message>
+    <message>
+        <source>the file is too large (%1; files of this kind may have at most %2)</source>
+        <translation>die Datei ist zu groß (%1; Dateien dieser Art dürfen höchstens %2 haben)</translation>
+    </message>
+    <message>
+        <source>%1 bytes</source>
+        <translation>%1 Byte</translation>
+    </message>
+    <message>
+        <source>reading was interrupted</source>
+        <translation>das Lesen wurde abgebrochen</translation>
+    </message>
+    <message>
+        <source>the file is too large (files of this kind may have at most %1)</source>
+        <translation>die Datei ist zu groß (Dateien dieser Art dürfen höchstens %1 haben)</translation>
+    </message>
+    <message>
+        <source>there is not enough memory to read it</source>
+        <translation>der Speicher reicht nicht, um sie zu lesen</translation>
+    </message>
+</context>
+<context>
+    <name>StagedDirectory</name>
+    <message>
+        <source>Could not create a folder beside “%1”: %2</source>
+        <translation>Neben „%1“ konnte kein Ordner angelegt werden: %2</translation>
+    </message>
+    <message>
+        <source>Could not save “%1”: it is not a folder or a regular file, and is left as it is.</source>
+        <translation>„%1“ konnte nicht gespeichert werden: es ist weder ein Ordner noch eine reguläre Datei und bleibt, wie es ist.</translation>
+    </message>
+    <message>
+        <source>Could not move “%1” aside to replace it: %2</source>
+        <translation>„%1“ konnte nicht zum Ersetzen beiseitegelegt werden: %2</translation>
+    </message>
+    <message>
+        <source>Could not move the new “%1” into place: %2</source>
+        <translation>Das neue „%1“ konnte nicht an seinen Platz gebracht werden: %2</translation>
+    </message>
+</context>
+<context>
+    <name>TiffIo</name>
+    <message>
+        <source>There is no image to write to “%1”.</source>
+        <translation>Es gibt kein Bild, das nach „%1“ geschrieben werden kann.</translation>
+    </message>
+    <message>
+        <source>The image for “%1” could not be converted to RGB.</source>
+        <translation>Das Bild für „%1“ konnte nicht in RGB umgewandelt werden.</translation>
+    </message>
+    <message>
+        <source>Could not create the TIFF file “%1”.</source>
+        <translation>Die TIFF-Datei „%1“ konnte nicht angelegt werden.</translation>
+    </message>
+    <message>
+        <source>Could not write the TIFF file “%1”.</source>
+        <translation>Die TIFF-Datei „%1“ konnte nicht geschrieben werden.</translation>
+    </message>
+    <message>
+        <source>Could not read “%1”: %2</source>
+        <translation>„%1“ konnte nicht gelesen werden: %2</translation>
+    </message>
+    <message>
+        <source>“%1” is not a readable TIFF file.</source>
+        <translation>„%1“ ist keine lesbare TIFF-Datei.</translation>
+    </message>
+    <message>
+        <source>“%1” has no image size.</source>
+        <translation>„%1“ hat keine Bildgröße.</translation>
+    </message>
+    <message>
+        <source>reading the image was interrupted</source>
+        <translation>das Lesen des Bildes wurde abgebrochen</translation>
+    </message>
+    <message>
+        <source>The pixels of “%1” could not be read.</source>
+        <translation>Die Pixel von „%1“ konnten nicht gelesen werden.</translation>
+    </message>
+</context>
+<context>
+    <name>TrackImage</name>
+    <message>
+        <source>there is not enough memory to prepare the image for rendering</source>
+        <translation>der Speicher reicht nicht, um das Bild für die Berechnung vorzubereiten</translation>
+    </message>
+    <message>
+        <source>reading the image was interrupted</source>
+        <translation>das Lesen des Bildes wurde abgebrochen</translation>
+    </message>
+</context>
+<context>
+    <name>UndoAction</name>
+    <message>
+        <source>New Line</source>
+        <translation>Neue Linie</translation>
+    </message>
+    <message>
+        <source>Delete Line</source>
+        <translation>Linie löschen</translation>
+    </message>
+    <message>
+        <source>Set Image</source>
+        <translation>Bild setzen</translation>
+    </message>
+    <message>
+        <source>Change colour</source>
+        <translation>Farbe ändern</translation>
+    </message>
+</context>
+</TS>

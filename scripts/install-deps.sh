@@ -19,6 +19,7 @@ packages=(
   ccache
   xvfb xauth x11-apps xdotool at-spi2-core python3-pyatspi fonts-dejavu-core
   desktop-file-utils appstream
+  dpkg-dev file
 )
 
 # Node.js packages from elsewhere bring their own npm, which Debian's npm conflicts with.

@@ -199,6 +199,18 @@ protected:
         return result;
     }
 
+    // Whether the main thread of the process has the signal blocked ("SigBlk" in its status).
+    static bool blocksSignal(pid_t pid, int signal)
+    {
+        QFile status(u"/proc/%1/status"_s.arg(pid));
+        if (!status.open(QIODevice::ReadOnly))
+            return false;
+        for (const QByteArray& line : status.readAll().split('\n'))
+            if (line.startsWith("SigBlk:"))
+                return (line.mid(7).trimmed().toULongLong(nullptr, 16) >> (signal - 1)) & 1u;
+        return false;
+    }
+
     // Once plyra-render has been running for a while (its temporary movie made), signal it.
     void sendSignal(QProcess& process, const QString& pidFile, int signal) const
     {
@@ -210,6 +222,11 @@ protected:
                 break;
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
         }
+        // On a busy machine loading the libraries can take longer than the wait below: the
+        // signal is sent only once the program has taken the termination signals over.
+        const Clock::time_point started = Clock::now() + std::chrono::seconds(10);
+        while (!blocksSignal(pid, signal) && Clock::now() < started)
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
         std::this_thread::sleep_for(std::chrono::milliseconds(700));
         ASSERT_EQ(::kill(pid, signal), 0);
     }

@@ -5,6 +5,7 @@
 #include "platform/log.h"
 #include "platform/plist/xml_plist.h"
 #include "platform/qt/user_defaults.h"
+#include "platform/qt/user_defaults_keys.h"
 
 #include <QCoreApplication>
 #include <QNetworkAccessManager>
@@ -15,7 +16,6 @@ namespace plyra {
 namespace {
 
 constexpr int kRequestTimeoutMs = 60 * 1000;
-const QString kCheckForUpdatesKey = QStringLiteral("CheckForUpdates");
 
 std::string utf8(const QString& text)
 {
@@ -52,12 +52,12 @@ MorphAppController::~MorphAppController()
 
 void MorphAppController::registerDefaults()
 {
-    UserDefaults::standard().registerDefaults({{kCheckForUpdatesKey, true}});
+    UserDefaults::standard().registerDefaults({{QLatin1String(DefaultsKey::kCheckForUpdates), true}});
 }
 
 void MorphAppController::applicationDidFinishLaunching()
 {
-    if (UserDefaults::standard().boolean(kCheckForUpdatesKey) && versionListUrl().isValid())
+    if (UserDefaults::standard().boolean(QLatin1String(DefaultsKey::kCheckForUpdates)) && versionListUrl().isValid())
         checkForUpdates();
 }
 
@@ -74,7 +74,7 @@ void MorphAppController::checkForUpdatesRequested()
 
 QUrl MorphAppController::versionListUrl() const
 {
-    const QUrl url(UserDefaults::standard().string(QString::fromLatin1(kVersionCheckURLKey)));
+    const QUrl url(UserDefaults::standard().string(QLatin1String(DefaultsKey::kVersionCheckURL)));
     return url.isValid() && !url.scheme().isEmpty() ? url : QUrl();
 }
 

@@ -24,9 +24,6 @@ class MorphAppController : public QObject {
     Q_OBJECT
 
 public:
-    /// The user default that holds the address of the version list.
-    static constexpr const char* kVersionCheckURLKey = "versionCheckURL";
-
     explicit MorphAppController(std::unique_ptr<UpdateAlerts> alerts, QObject* parent = nullptr);
     ~MorphAppController() override;
 

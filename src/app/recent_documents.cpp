@@ -2,13 +2,14 @@
 #include "app/recent_documents.h"
 
 #include "platform/qt/user_defaults.h"
+#include "platform/qt/user_defaults_keys.h"
 
 #include <QFileInfo>
 
 namespace plyra {
 namespace {
 
-const QString kKey = QStringLiteral("recentDocuments");
+const QString kKey = QLatin1String(DefaultsKey::kRecentDocuments);
 
 QStringList stored()
 {

@@ -4,6 +4,7 @@
 #include "model/document_package.h"
 #include "platform/notification_center.h"
 #include "platform/qt/user_defaults.h"
+#include "platform/qt/user_defaults_keys.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -47,9 +48,9 @@ MorphDocument::MorphDocument()
     });
     // New documents start with the codec settings the user chose last.
     const UserDefaults& defaults = UserDefaults::standard();
-    const QString format = defaults.string(QStringLiteral("codecFormat"));
+    const QString format = defaults.string(QLatin1String(DefaultsKey::kCodecFormat));
     setCodecFormat(format.isEmpty() ? QStringLiteral("mp4v") : format);
-    const qint64 quality = defaults.integer(QStringLiteral("codecQuality"));
+    const qint64 quality = defaults.integer(QLatin1String(DefaultsKey::kCodecQuality));
     setCodecQuality(quality != 0 ? clampToInt(quality) : kDefaultCodecQuality);
 }
 

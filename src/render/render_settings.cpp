@@ -2,6 +2,7 @@
 #include "render/render_settings.h"
 
 #include "platform/qt/user_defaults.h"
+#include "platform/qt/user_defaults_keys.h"
 
 #include <cmath>
 
@@ -79,7 +80,7 @@ float interpolationFactorFromInterval(std::int64_t maxSampleInterval, float fall
 
 float interpolationFactorFromDefaults(float fallback)
 {
-    return interpolationFactorFromInterval(UserDefaults::standard().integer(QStringLiteral("maxSampleInterval")), fallback);
+    return interpolationFactorFromInterval(UserDefaults::standard().integer(QLatin1String(DefaultsKey::kMaxSampleInterval)), fallback);
 }
 
 float renderProgress(std::uint32_t numberOfFrames, std::size_t jobsLeft, float lastJobProgress)
@@ -89,9 +90,22 @@ float renderProgress(std::uint32_t numberOfFrames, std::size_t jobsLeft, float l
     return static_cast<float>(1.0 - static_cast<double>(jobsLeft) / static_cast<double>(numberOfFrames));
 }
 
-FrameSize frameSizeForView(FrameSize view, int32_t mode, bool trackHasImage, float imageRatio, float aspectRatio)
+std::optional<unsigned> ratioTrack(FrameRatioMode mode)
 {
-    if ((mode != 0 && mode != 1) || !trackHasImage)
+    switch (mode) {
+    case FrameRatioMode::AsFirstImage:
+        return 0u;
+    case FrameRatioMode::AsLastImage:
+        return 1u;
+    case FrameRatioMode::Free:
+        break;
+    }
+    return std::nullopt;
+}
+
+FrameSize frameSizeForView(FrameSize view, FrameRatioMode mode, bool trackHasImage, float imageRatio, float aspectRatio)
+{
+    if (!ratioTrack(mode) || !trackHasImage)
         return view;
     const float a = aspectRatio == 0.0f ? 1.0f : aspectRatio;
     if (imageRatio > view.width / view.height)

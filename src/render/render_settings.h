@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace plyra {
@@ -20,8 +21,12 @@ struct FrameSize {
     bool isSet() const { return width >= 1.0f && height >= 1.0f; }
 };
 
-/// How a frame that follows its view keeps an aspect ratio.
+/// How a frame that follows its view keeps an aspect ratio; the values are the order of
+/// the choices in the settings sheet.
 enum class FrameRatioMode : int32_t { AsFirstImage = 0, AsLastImage = 1, Free = 2 };
+
+/// The track whose image's aspect ratio the mode keeps; none for Free.
+std::optional<unsigned> ratioTrack(FrameRatioMode mode);
 
 /// The settings of one render: frame count, rate, size, time range, direction. Each
 /// setter answers whether the value changed enough to make rendered frames stale.
@@ -50,8 +55,8 @@ public:
     bool sizesToView() const { return m_sizeToView; }
     void setSizeToView(bool sizeToView) { m_sizeToView = sizeToView; }
 
-    int32_t frameRatioMode() const { return m_frameRatioMode; }
-    void setFrameRatioMode(int32_t mode) { m_frameRatioMode = mode; }
+    FrameRatioMode frameRatioMode() const { return m_frameRatioMode; }
+    void setFrameRatioMode(FrameRatioMode mode) { m_frameRatioMode = mode; }
 
 private:
     std::uint32_t m_numberOfFrames = 0;
@@ -60,7 +65,7 @@ private:
     MorphTimeRange m_timeRange;
     bool m_sizeToView = false;
     bool m_reverse = false;
-    int32_t m_frameRatioMode = 0;
+    FrameRatioMode m_frameRatioMode = FrameRatioMode::AsFirstImage;
 };
 
 /// The morph times of the frames of a render, first frame first. One frame is a still
@@ -83,6 +88,6 @@ float renderProgress(std::uint32_t numberOfFrames, std::size_t jobsLeft, float l
 /// when the track has no image; else the largest size with the track's aspect ratio that
 /// fits the view. imageRatio is the image's own width ÷ height, aspectRatio the
 /// document's ratio for the track (0 is taken as 1).
-FrameSize frameSizeForView(FrameSize viewSize, int32_t mode, bool trackHasImage, float imageRatio, float aspectRatio);
+FrameSize frameSizeForView(FrameSize viewSize, FrameRatioMode mode, bool trackHasImage, float imageRatio, float aspectRatio);
 
 } // namespace plyra

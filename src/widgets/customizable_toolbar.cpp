@@ -2,6 +2,7 @@
 #include "widgets/customizable_toolbar.h"
 
 #include "platform/qt/user_defaults.h"
+#include "platform/qt/user_defaults_keys.h"
 #include "widgets/toolbar_customize_dialog.h"
 
 #include <QAction>
@@ -89,7 +90,7 @@ QAction* CustomizableToolbar::itemWithIdentifier(const QString& identifier) cons
 
 QString CustomizableToolbar::settingsKey() const
 {
-    return QStringLiteral("%1/toolbarItems").arg(m_identifier);
+    return QLatin1String(DefaultsKey::kToolbarItems).arg(m_identifier);
 }
 
 void CustomizableToolbar::setItemSets(const QStringList& defaults, const QStringList& allowed)

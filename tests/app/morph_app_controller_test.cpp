@@ -4,6 +4,7 @@
 #include "platform/log.h"
 #include "platform/qt/qt_run_loop.h"
 #include "platform/qt/user_defaults.h"
+#include "platform/qt/user_defaults_keys.h"
 
 #include <QSignalSpy>
 #include <QTcpServer>
@@ -104,7 +105,7 @@ private slots:
     {
         UserDefaults::standard().useFile(m_dir.filePath(QStringLiteral("defaults.ini")));
         UserDefaults::standard().remove(QStringLiteral("CheckForUpdates"));
-        UserDefaults::standard().setObject(QString::fromLatin1(MorphAppController::kVersionCheckURLKey), m_server.address());
+        UserDefaults::standard().setObject(QLatin1String(DefaultsKey::kVersionCheckURL), m_server.address());
         MorphAppController::registerDefaults();
         m_record = {};
         m_server.requests = 0;
@@ -182,7 +183,7 @@ private slots:
         QVERIFY(closed.listen(QHostAddress::LocalHost));
         const quint16 port = closed.serverPort();
         closed.close();
-        UserDefaults::standard().setObject(QString::fromLatin1(MorphAppController::kVersionCheckURLKey),
+        UserDefaults::standard().setObject(QLatin1String(DefaultsKey::kVersionCheckURL),
             QStringLiteral("http://127.0.0.1:%1/software/plyra/version.plist").arg(port));
         LogCapture log;
         check(true);
@@ -194,7 +195,7 @@ private slots:
 
     void withoutAnAddressNothingIsAsked()
     {
-        UserDefaults::standard().remove(QString::fromLatin1(MorphAppController::kVersionCheckURLKey));
+        UserDefaults::standard().remove(QLatin1String(DefaultsKey::kVersionCheckURL));
         m_controller->applicationDidFinishLaunching();
         QTest::qWait(100);
         QCOMPARE(m_server.requests, 0);

@@ -60,21 +60,21 @@ void FrameWindowTest::frameSizeFollowsTheView_data()
 {
     QTest::addColumn<QSize>("firstImage");
     QTest::addColumn<QSize>("lastImage");
-    QTest::addColumn<int>("mode");
+    QTest::addColumn<FrameRatioMode>("mode");
     QTest::addColumn<QSize>("frame");
     // The view is 400 × 300.
-    QTest::newRow("first image wider than the view") << QSize(200, 100) << QSize(64, 64) << 0 << QSize(400, 200);
-    QTest::newRow("square first image") << QSize(90, 90) << QSize(64, 32) << 0 << QSize(300, 300);
-    QTest::newRow("as last image") << QSize(90, 90) << QSize(64, 32) << 1 << QSize(400, 200);
-    QTest::newRow("as last image without one") << QSize(90, 90) << QSize() << 1 << QSize(400, 300);
-    QTest::newRow("free") << QSize(200, 100) << QSize(64, 64) << 2 << QSize(400, 300);
+    QTest::newRow("first image wider than the view") << QSize(200, 100) << QSize(64, 64) << FrameRatioMode::AsFirstImage << QSize(400, 200);
+    QTest::newRow("square first image") << QSize(90, 90) << QSize(64, 32) << FrameRatioMode::AsFirstImage << QSize(300, 300);
+    QTest::newRow("as last image") << QSize(90, 90) << QSize(64, 32) << FrameRatioMode::AsLastImage << QSize(400, 200);
+    QTest::newRow("as last image without one") << QSize(90, 90) << QSize() << FrameRatioMode::AsLastImage << QSize(400, 300);
+    QTest::newRow("free") << QSize(200, 100) << QSize(64, 64) << FrameRatioMode::Free << QSize(400, 300);
 }
 
 void FrameWindowTest::frameSizeFollowsTheView()
 {
     QFETCH(QSize, firstImage);
     QFETCH(QSize, lastImage);
-    QFETCH(int, mode);
+    QFETCH(FrameRatioMode, mode);
     QFETCH(QSize, frame);
     test::WindowTestDocument doc(firstImage, lastImage);
     FrameWindow window(*doc.document);

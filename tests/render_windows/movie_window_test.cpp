@@ -184,7 +184,7 @@ void MovieWindowTest::temporaryMoviesComeAndGo()
     QVERIFY(!window.scheduler().isPolling());
     // "Free" stretches the movie to the view; the other modes keep its proportions.
     QVERIFY(window.player()->pictureView()->preservesAspectRatio());
-    window.controller().settings().setFrameRatioMode(2);
+    window.controller().settings().setFrameRatioMode(FrameRatioMode::Free);
     window.show();
     QVERIFY(renderToEnd(window));
     QVERIFY(!window.player()->pictureView()->preservesAspectRatio());

@@ -50,19 +50,19 @@ private slots:
 
 void RenderSettingsSheetTest::sizeFieldsFollowTheRatio_data()
 {
-    QTest::addColumn<int>("mode");
+    QTest::addColumn<FrameRatioMode>("mode");
     QTest::addColumn<QString>("heightAfterWidth");
     QTest::addColumn<QString>("typedHeight");
     QTest::addColumn<QString>("widthAfterHeight");
     // The first image is 1.5 wide for 1 high, the last 2 for 1; the width typed is 301.
-    QTest::newRow("as first image") << 0 << "200" << "200" << "300";
-    QTest::newRow("as last image") << 1 << "150" << "120" << "240";
-    QTest::newRow("free") << 2 << "100" << "77" << "301";
+    QTest::newRow("as first image") << FrameRatioMode::AsFirstImage << "200" << "200" << "300";
+    QTest::newRow("as last image") << FrameRatioMode::AsLastImage << "150" << "120" << "240";
+    QTest::newRow("free") << FrameRatioMode::Free << "100" << "77" << "301";
 }
 
 void RenderSettingsSheetTest::sizeFieldsFollowTheRatio()
 {
-    QFETCH(int, mode);
+    QFETCH(FrameRatioMode, mode);
     QFETCH(QString, typedHeight);
     RenderSettingsSheet sheet(RenderSettingsSheet::Contents::FrameSize);
     SheetSettings settings;
@@ -74,7 +74,7 @@ void RenderSettingsSheetTest::sizeFieldsFollowTheRatio()
     sheet.show();
     QCOMPARE(sheet.ratioPopup()->count(), 3);
     QCOMPARE(sheet.ratioPopup()->itemText(0), QStringLiteral("As first image"));
-    QCOMPARE(sheet.ratioPopup()->currentIndex(), mode);
+    QCOMPARE(sheet.ratioPopup()->currentIndex(), static_cast<int>(mode));
     QVERIFY(sheet.numberOfFramesField() == nullptr); // the frame sheet has no timing
 
     retype(sheet.frameWidthField(), QStringLiteral("301"));
@@ -87,7 +87,7 @@ void RenderSettingsSheetTest::sizeFieldsFollowTheRatio()
     QVERIFY(!values.sizeToView);
 
     // Choosing another ratio makes the width follow the height under it.
-    if (mode == 0) {
+    if (mode == FrameRatioMode::AsFirstImage) {
         sheet.ratioPopup()->setFocus();
         QTest::keyClick(sheet.ratioPopup(), Qt::Key_Down);
         QCOMPARE(sheet.ratioPopup()->currentIndex(), 1);

@@ -15,7 +15,13 @@
 
 namespace plyra {
 FrameWindow::FrameWindow(MorphDocument& document, QWidget* parent)
-    : RenderWindow(document, std::make_unique<FrameRenderController>(document), QStringLiteral("MorphFrameController"), parent)
+    : FrameWindow(document, new FrameRenderController(document), parent)
+{
+}
+
+FrameWindow::FrameWindow(MorphDocument& document, FrameRenderController* renderer, QWidget* parent)
+    : RenderWindow(document, std::unique_ptr<RenderController>(renderer), QStringLiteral("MorphFrameController"), parent)
+    , m_renderer(*renderer)
 {
     setObjectName(QStringLiteral("frameWindow"));
     setAccessibleName(tr("Rendered image"));
@@ -40,11 +46,6 @@ FrameWindow::FrameWindow(MorphDocument& document, QWidget* parent)
     setToolbarItems({QString::fromLatin1(kTimeSliderIdentifier)});
     resize(600, 400 + toolbar()->sizeHint().height());
     refreshTitle();
-}
-
-FrameRenderController& FrameWindow::renderer() const
-{
-    return static_cast<FrameRenderController&>(controller());
 }
 
 float FrameWindow::time() const

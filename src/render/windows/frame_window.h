@@ -23,7 +23,7 @@ public:
 
     explicit FrameWindow(MorphDocument& document, QWidget* parent = nullptr);
 
-    FrameRenderController& renderer() const;
+    FrameRenderController& renderer() const { return m_renderer; }
     FrameView* imageView() const { return m_imageView; }
     QSlider* timeSlider() const { return m_slider; }
 
@@ -46,8 +46,11 @@ protected:
     bool saveRenderedFramesToPath(const QString& path, QString* error) override;
 
 private:
+    // The base owns the controller; the window keeps its own kind of it.
+    FrameWindow(MorphDocument& document, FrameRenderController* renderer, QWidget* parent);
     void takeTimeFromSlider(int value);
 
+    FrameRenderController& m_renderer;
     FrameView* m_imageView = nullptr;
     QSlider* m_slider = nullptr;
 };

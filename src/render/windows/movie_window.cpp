@@ -3,6 +3,7 @@
 
 #include "model/morph_document.h"
 #include "platform/qt/user_defaults.h"
+#include "platform/qt/user_defaults_keys.h"
 #include "render/movie_codecs.h"
 #include "render/movie_render_controller.h"
 #include "render/windows/movie_picture_view.h"
@@ -18,7 +19,13 @@
 namespace plyra {
 
 MovieWindow::MovieWindow(MorphDocument& document, QWidget* parent)
-    : RenderWindow(document, std::make_unique<MovieRenderController>(document), QStringLiteral("MorphMovieController"), parent)
+    : MovieWindow(document, new MovieRenderController(document), parent)
+{
+}
+
+MovieWindow::MovieWindow(MorphDocument& document, MovieRenderController* renderer, QWidget* parent)
+    : RenderWindow(document, std::unique_ptr<RenderController>(renderer), QStringLiteral("MorphMovieController"), parent)
+    , m_renderer(*renderer)
 {
     setObjectName(QStringLiteral("movieWindow"));
     setAccessibleName(tr("Rendered movie"));
@@ -36,11 +43,6 @@ MovieWindow::MovieWindow(MorphDocument& document, QWidget* parent)
 MovieWindow::~MovieWindow()
 {
     m_player->setWriter(nullptr);
-}
-
-MovieRenderController& MovieWindow::renderer() const
-{
-    return static_cast<MovieRenderController&>(controller());
 }
 
 QSize MovieWindow::viewSize() const
@@ -123,31 +125,31 @@ QString MovieWindow::titleForProgress(const QString& name, float progress)
 
 RenderSettingsSheet* MovieWindow::createSettingsSheet()
 {
-    return new MovieSettingsSheet(this);
+    m_sheet = new MovieSettingsSheet(this);
+    return m_sheet;
 }
 
-void MovieWindow::prepareSettingsSheet(RenderSettingsSheet& sheet)
+void MovieWindow::prepareSettingsSheet()
 {
-    static_cast<MovieSettingsSheet&>(sheet).loadCodec(document().codecFormat(), document().codecQuality());
+    m_sheet->loadCodec(document().codecFormat(), document().codecQuality());
 }
 
-void MovieWindow::applySheetSettings(const RenderSettingsSheet& sheet)
+void MovieWindow::applySheetSettings()
 {
-    const auto& movieSheet = static_cast<const MovieSettingsSheet&>(sheet);
-    const QString codec = movieSheet.codecFormat();
-    const int quality = movieSheet.codecQuality();
+    const QString codec = m_sheet->codecFormat();
+    const int quality = m_sheet->codecQuality();
     document().setCodecFormat(codec);
     document().setCodecQuality(quality);
     // New documents start with the last choice.
-    UserDefaults::standard().setObject(QStringLiteral("codecFormat"), codec);
-    UserDefaults::standard().setInteger(QStringLiteral("codecQuality"), quality);
-    RenderWindow::applySheetSettings(sheet);
+    UserDefaults::standard().setObject(QLatin1String(DefaultsKey::kCodecFormat), codec);
+    UserDefaults::standard().setInteger(QLatin1String(DefaultsKey::kCodecQuality), quality);
+    RenderWindow::applySheetSettings();
     updateAspectMode();
 }
 
 void MovieWindow::updateAspectMode()
 {
-    m_player->setPreservesAspectRatio(frameRatioMode() != static_cast<int>(FrameRatioMode::Free));
+    m_player->setPreservesAspectRatio(frameRatioMode() != FrameRatioMode::Free);
 }
 
 SaveFileTypes MovieWindow::saveFileTypes() const

@@ -23,7 +23,7 @@ public:
     explicit MovieWindow(MorphDocument& document, QWidget* parent = nullptr);
     ~MovieWindow() override;
 
-    MovieRenderController& renderer() const;
+    MovieRenderController& renderer() const { return m_renderer; }
     MoviePlayer* player() const { return m_player; }
 
     /// The player's picture: the controller bar under it is not part of the movie.
@@ -40,16 +40,20 @@ protected:
     void showPolledResults() override;
     QString windowTitleForDocumentDisplayName(const QString& name) const override;
     RenderSettingsSheet* createSettingsSheet() override;
-    void prepareSettingsSheet(RenderSettingsSheet& sheet) override;
-    void applySheetSettings(const RenderSettingsSheet& sheet) override;
+    void prepareSettingsSheet() override;
+    void applySheetSettings() override;
     SaveFileTypes saveFileTypes() const override;
     bool saveRenderedFramesToPath(const QString& path, QString* error) override;
     void windowClosed() override;
 
 private:
+    // The base owns the controller; the window keeps its own kind of it.
+    MovieWindow(MorphDocument& document, MovieRenderController* renderer, QWidget* parent);
     void updateAspectMode();
     QSize fittedPictureSize(FrameSize movieSize) const;
 
+    MovieRenderController& m_renderer;
+    MovieSettingsSheet* m_sheet = nullptr;
     MoviePlayer* m_player = nullptr;
     int m_framesShown = 0;
     bool m_complete = false;

@@ -112,8 +112,10 @@ void RenderSettingsSheet::load(const SheetSettings& settings, std::array<float, 
 {
     m_aspectRatios = aspectRatios;
     m_ratioPopup->clear();
-    m_ratioPopup->addItems({tr("As first image"), tr("As last image"), tr("Free")});
-    m_ratioPopup->setCurrentIndex(settings.frameRatioMode);
+    m_ratioPopup->addItem(tr("As first image"), static_cast<int>(FrameRatioMode::AsFirstImage));
+    m_ratioPopup->addItem(tr("As last image"), static_cast<int>(FrameRatioMode::AsLastImage));
+    m_ratioPopup->addItem(tr("Free"), static_cast<int>(FrameRatioMode::Free));
+    m_ratioPopup->setCurrentIndex(m_ratioPopup->findData(static_cast<int>(settings.frameRatioMode)));
     m_frameWidth->setText(locale().toString(settings.frameWidth));
     m_frameHeight->setText(locale().toString(settings.frameHeight));
     (settings.sizeToView ? m_sizeToWindow : m_fixedSize)->setChecked(true);
@@ -138,7 +140,7 @@ SheetSettings RenderSettingsSheet::values() const
         settings.reverse = m_reverse->isChecked();
     settings.frameWidth = intValue(m_frameWidth);
     settings.frameHeight = intValue(m_frameHeight);
-    settings.frameRatioMode = m_ratioPopup->currentIndex();
+    settings.frameRatioMode = chosenRatioMode();
     settings.sizeToView = m_sizeChoice->checkedId() == kSizeToWindowTag;
     return settings;
 }
@@ -193,12 +195,17 @@ void RenderSettingsSheet::updateOkButton()
     m_buttons->button(QDialogButtonBox::Ok)->setEnabled(acceptable);
 }
 
+FrameRatioMode RenderSettingsSheet::chosenRatioMode() const
+{
+    return static_cast<FrameRatioMode>(m_ratioPopup->currentData().toInt());
+}
+
 std::optional<float> RenderSettingsSheet::boundAspectRatio() const
 {
-    const int mode = m_ratioPopup->currentIndex();
-    if (mode != 0 && mode != 1)
+    const std::optional<unsigned> track = ratioTrack(chosenRatioMode());
+    if (!track)
         return std::nullopt;
-    const float a = m_aspectRatios[static_cast<std::size_t>(mode)];
+    const float a = m_aspectRatios[*track];
     return a == 0.0f ? 1.0f : a;
 }
 

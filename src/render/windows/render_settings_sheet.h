@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "render/render_settings.h"
+
 #include <QDialog>
 
 #include <array>
@@ -26,7 +28,7 @@ struct SheetSettings {
     std::optional<bool> reverse;
     int frameWidth = 0;
     int frameHeight = 0;
-    int frameRatioMode = 0;
+    FrameRatioMode frameRatioMode = FrameRatioMode::AsFirstImage;
     bool sizeToView = true;
 };
 
@@ -75,6 +77,7 @@ private:
     void frameHeightFieldChanged();
     void ratioPopupChanged();
     void updateOkButton();
+    FrameRatioMode chosenRatioMode() const;
     std::optional<float> boundAspectRatio() const;
     int intValue(const QLineEdit* field) const;
     float floatValue(const QLineEdit* field) const;

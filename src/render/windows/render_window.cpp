@@ -138,7 +138,7 @@ bool RenderWindow::sizesToView() const
     return m_controller->settings().sizesToView();
 }
 
-int RenderWindow::frameRatioMode() const
+FrameRatioMode RenderWindow::frameRatioMode() const
 {
     return m_controller->settings().frameRatioMode();
 }
@@ -163,9 +163,9 @@ void RenderWindow::resizeToView()
     const QSize view = viewSize();
     if (view.width() < 1 || view.height() < 1)
         return; // not laid out yet
-    const int mode = frameRatioMode();
-    const unsigned track = mode == 1 ? 1 : 0;
-    const std::optional<DisplayImage> image = (mode == 0 || mode == 1) ? m_document.imageInTrack(track) : std::nullopt;
+    const FrameRatioMode mode = frameRatioMode();
+    const unsigned track = ratioTrack(mode).value_or(0);
+    const std::optional<DisplayImage> image = ratioTrack(mode) ? m_document.imageInTrack(track) : std::nullopt;
     const float imageRatio = image && image->raster.height() > 0
         ? static_cast<float>(image->raster.width()) / static_cast<float>(image->raster.height())
         : 1.0f;
@@ -291,19 +291,19 @@ void RenderWindow::showSettings()
 {
     RenderSettingsSheet* sheet = settingsSheet();
     sheet->load(sheetSettings(), {m_document.aspectRatioInTrack(0), m_document.aspectRatioInTrack(1)});
-    prepareSettingsSheet(*sheet);
+    prepareSettingsSheet();
     sheet->open();
 }
 
 void RenderWindow::settingsSheetDidEnd(int result)
 {
     if (result == QDialog::Accepted)
-        applySheetSettings(*m_sheet);
+        applySheetSettings();
 }
 
-void RenderWindow::applySheetSettings(const RenderSettingsSheet& sheet)
+void RenderWindow::applySheetSettings()
 {
-    const SheetSettings values = sheet.values();
+    const SheetSettings values = m_sheet->values();
     if (values.numberOfFrames)
         setNumberOfFrames(*values.numberOfFrames);
     if (values.framesPerSecond)

@@ -49,7 +49,7 @@ public:
     void setReverse(bool reverse);
     void setSizeToView(bool sizeToView);
     bool sizesToView() const;
-    int frameRatioMode() const;
+    FrameRatioMode frameRatioMode() const;
     /// The frame size; an unset one is taken from the document.
     FrameSize frameSize();
     float progress() const;
@@ -89,7 +89,7 @@ protected:
     /// Follows the size of the view that shows the result.
     void setResultView(QWidget* view);
     /// Fills what the sheet shows beyond the common settings.
-    virtual void prepareSettingsSheet(RenderSettingsSheet&) { }
+    virtual void prepareSettingsSheet() { }
     /// Starts the controller's render; false when nothing was started.
     virtual bool startRender();
     /// Shows what the last poll consumed.
@@ -98,7 +98,7 @@ protected:
     virtual RenderSettingsSheet* createSettingsSheet() = 0;
     /// The sheet's settings from this window's, and back on OK.
     virtual SheetSettings sheetSettings();
-    virtual void applySheetSettings(const RenderSettingsSheet& sheet);
+    virtual void applySheetSettings();
     virtual SaveFileTypes saveFileTypes() const = 0;
     /// Writes the finished result; false with the reason when it cannot.
     virtual bool saveRenderedFramesToPath(const QString& path, QString* error) = 0;

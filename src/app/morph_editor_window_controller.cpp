@@ -2,6 +2,7 @@
 #include "app/morph_editor_window_controller.h"
 
 #include "app/application_commands.h"
+#include "app/document_render_windows.h"
 #include "app/document_toolbar.h"
 #include "app/editor_zoom.h"
 #include "app/face_lines_command.h"
@@ -9,25 +10,20 @@
 #include "app/line_color_well.h"
 #include "app/localization.h"
 #include "app/main_menu.h"
+#include "app/textured_background.h"
 #include "app/window_actions.h"
 #include "editor/morph_editor.h"
 #include "inspector/inspector_controller.h"
 #include "inspector/inspector_selection.h"
 #include "inspector/morph_line_inspector.h"
 #include "model/morph_document.h"
-#include "platform/qt/user_defaults.h"
-#include "render/windows/frame_window.h"
-#include "render/windows/movie_window.h"
 #include "render/windows/preview_dock.h"
 
 #include <QAction>
-#include <QApplication>
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QFileInfo>
-#include <QImage>
 #include <QLabel>
-#include <QPixmap>
 #include <QMenuBar>
 #include <QScrollArea>
 #include <QSplitter>
@@ -56,34 +52,7 @@ QScrollArea* scrollAreaFor(MorphEditor* editor, const QString& name, QWidget* pa
     return area;
 }
 
-// A brushed-metal tile in the shade of the window colour: fine horizontal streaks of
-// slightly lighter and darker rows, the same in every window.
-QPixmap brushedTexture(const QColor& base)
-{
-    constexpr int kSide = 128;
-    QImage tile(kSide, kSide, QImage::Format_RGB32);
-    quint32 seed = 0x2545F491u;
-    for (int y = 0; y < kSide; ++y) {
-        int streak = 0;
-        for (int x = 0; x < kSide; ++x) {
-            seed ^= seed << 13;
-            seed ^= seed >> 17;
-            seed ^= seed << 5;
-            if (x % 16 == 0)
-                streak = int(seed % 3) - 1;
-            const int grain = int((seed >> 8) % 3) - 1;
-            tile.setPixelColor(x, y, base.lighter(100 + streak + grain));
-        }
-    }
-    return QPixmap::fromImage(tile);
-}
-
 } // namespace
-
-void MorphEditorWindowController::registerDefaults()
-{
-    UserDefaults::standard().registerDefaults({{QString::fromLatin1(kTexturedWindowsKey), true}});
-}
 
 MorphEditorWindowController::MorphEditorWindowController(std::unique_ptr<MorphDocument> document,
     const QString& filePath, const QString& untitledName, ApplicationCommands& commands)
@@ -95,7 +64,8 @@ MorphEditorWindowController::MorphEditorWindowController(std::unique_ptr<MorphDo
     setObjectName(QStringLiteral("documentWindow"));
     setAttribute(Qt::WA_DeleteOnClose, false);
     m_edited.markSaved(*m_document);
-    applyBackground();
+    m_renderWindows = new DocumentRenderWindows(*m_document, this);
+    m_renderWindows->setDocumentName(displayName(), m_filePath);
     buildEditors();
     buildFaceLines();
     buildActions();
@@ -103,8 +73,7 @@ MorphEditorWindowController::MorphEditorWindowController(std::unique_ptr<MorphDo
     buildMainMenu(menuBar(), *m_actions, m_commands);
     buildPreviewDrawer();
     registerInspector();
-    if (m_textured)
-        keepBarsSolid();
+    m_textured = TexturedBackground::apply(*this, {menuBar(), m_toolbar});
     statusBar()->setSizeGripEnabled(true);
     // The widget tree holds the menus but not their items: each window's own menus are
     // localised here.
@@ -129,26 +98,6 @@ MorphEditorWindowController::~MorphEditorWindowController()
     m_previewDock = nullptr;
     delete m_editorSplitView;
     m_editorSplitView = nullptr;
-}
-
-void MorphEditorWindowController::applyBackground()
-{
-    m_textured = UserDefaults::standard().boolean(QString::fromLatin1(kTexturedWindowsKey));
-    if (!m_textured)
-        return;
-    QPalette textured = palette();
-    textured.setBrush(QPalette::Window, QBrush(brushedTexture(textured.color(QPalette::Window))));
-    setPalette(textured);
-    setAutoFillBackground(true);
-}
-
-void MorphEditorWindowController::keepBarsSolid()
-{
-    // Bars draw their own shading from the window colour, which a texture does not have.
-    QPalette solid = QApplication::palette(this);
-    solid.setColor(QPalette::Window, solid.color(QPalette::Window)); // set, not inherited
-    menuBar()->setPalette(solid);
-    m_toolbar->setPalette(solid);
 }
 
 void MorphEditorWindowController::buildEditors()
@@ -338,7 +287,7 @@ void MorphEditorWindowController::setFilePath(const QString& path)
 {
     m_filePath = path;
     updateTitle();
-    renameRenderWindows();
+    m_renderWindows->setDocumentName(displayName(), m_filePath);
 }
 
 QString MorphEditorWindowController::displayName() const
@@ -409,58 +358,28 @@ void MorphEditorWindowController::chooseImage(unsigned track)
 void MorphEditorWindowController::showFrameWindow()
 {
     finishGestures();
-    if (!m_frameWindow) {
-        m_frameWindow = new FrameWindow(*m_document, this);
-        m_frameWindow->setAttribute(Qt::WA_DeleteOnClose, false);
-        m_frameWindow->installEventFilter(this);
-        connect(m_frameWindow, &FrameWindow::timeChanged, this, &MorphEditorWindowController::postFrameTimeUpdated);
-        renameRenderWindows();
-    }
-    m_frameWindow->show();
-    m_frameWindow->raise();
-    m_frameWindow->activateWindow();
+    m_renderWindows->showFrameWindow();
 }
 
 void MorphEditorWindowController::showMovieWindow()
 {
     finishGestures();
-    if (!m_movieWindow) {
-        m_movieWindow = new MovieWindow(*m_document, this);
-        m_movieWindow->setAttribute(Qt::WA_DeleteOnClose, false);
-        renameRenderWindows();
-    }
-    m_movieWindow->show();
-    m_movieWindow->raise();
-    m_movieWindow->activateWindow();
-}
-
-void MorphEditorWindowController::renameRenderWindows()
-{
-    for (RenderWindow* window : std::initializer_list<RenderWindow*>{m_frameWindow, m_movieWindow}) {
-        if (!window)
-            continue;
-        window->setDocumentDisplayName(displayName());
-        window->setDocumentFilePath(m_filePath);
-    }
+    m_renderWindows->showMovieWindow();
 }
 
 void MorphEditorWindowController::closeDocumentWindows()
 {
-    delete m_frameWindow.data();
-    delete m_movieWindow.data();
-    postFrameTimeUpdated();
+    m_renderWindows->closeAll();
 }
 
-void MorphEditorWindowController::postFrameTimeUpdated()
+FrameWindow* MorphEditorWindowController::frameWindow() const
 {
-    NotificationQueue::defaultQueue().enqueueAsSoonAsPossible({kFrameTimeUpdatedNotification, m_document->notificationObject()});
+    return m_renderWindows->frameWindow();
 }
 
-bool MorphEditorWindowController::eventFilter(QObject* watched, QEvent* event)
+MovieWindow* MorphEditorWindowController::movieWindow() const
 {
-    if (watched == m_frameWindow && (event->type() == QEvent::Show || event->type() == QEvent::Hide))
-        postFrameTimeUpdated();
-    return QMainWindow::eventFilter(watched, event);
+    return m_renderWindows->movieWindow();
 }
 
 QVariantList MorphEditorWindowController::currentSelection() const
@@ -485,9 +404,7 @@ bool MorphEditorWindowController::documentHasBothImages() const
 
 std::optional<float> MorphEditorWindowController::frameWindowTime() const
 {
-    if (!m_frameWindow || !m_frameWindow->isVisible())
-        return std::nullopt;
-    return m_frameWindow->time();
+    return m_renderWindows->shownFrameTime();
 }
 
 QList<QAction*> MorphEditorWindowController::editActions() const

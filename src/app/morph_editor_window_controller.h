@@ -4,11 +4,8 @@
 #include "app/document_edited_state.h"
 #include "inspector/inspectable_window.h"
 #include "platform/notification_center.h"
-#include "render/windows/frame_window.h"
-#include "render/windows/movie_window.h"
 
 #include <QMainWindow>
-#include <QPointer>
 #include <QString>
 
 #include <array>
@@ -21,11 +18,14 @@ class QSplitter;
 namespace plyra {
 
 class ApplicationCommands;
+class DocumentRenderWindows;
 class DocumentToolbar;
 class EditorZoom;
 class FaceLinesCommand;
+class FrameWindow;
 class MorphDocument;
 class MorphEditor;
+class MovieWindow;
 class PreviewDock;
 class WindowActions;
 
@@ -38,10 +38,6 @@ class MorphEditorWindowController : public QMainWindow, public InspectableWindow
     Q_OBJECT
 
 public:
-    /// The user default that chooses the textured window background.
-    static constexpr const char* kTexturedWindowsKey = "texturedWindows";
-    static void registerDefaults();
-
     MorphEditorWindowController(std::unique_ptr<MorphDocument> document, const QString& filePath,
         const QString& untitledName, ApplicationCommands& commands);
     ~MorphEditorWindowController() override;
@@ -66,8 +62,8 @@ public:
     bool hasTexturedBackground() const { return m_textured; }
     PreviewDock* previewDock() const { return m_previewDock; }
     /// The render windows, made on first request; null before.
-    FrameWindow* frameWindow() const { return m_frameWindow; }
-    MovieWindow* movieWindow() const { return m_movieWindow; }
+    FrameWindow* frameWindow() const;
+    MovieWindow* movieWindow() const;
 
     // What the inspector panel asks of the window in front.
     QVariantList currentSelection() const override;
@@ -93,7 +89,6 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
 private:
@@ -103,10 +98,6 @@ private:
     void buildPreviewDrawer();
     void buildFaceLines();
     void registerInspector();
-    void renameRenderWindows();
-    void postFrameTimeUpdated();
-    void applyBackground();
-    void keepBarsSolid();
     void observeDocument();
     void refreshState();
     void scheduleRefresh();
@@ -138,8 +129,7 @@ private:
     EditorZoom* m_zoom = nullptr;
     QLabel* m_zoomLabel = nullptr;
     PreviewDock* m_previewDock = nullptr;
-    QPointer<FrameWindow> m_frameWindow;
-    QPointer<MovieWindow> m_movieWindow;
+    DocumentRenderWindows* m_renderWindows = nullptr;
     bool m_textured = true;
     bool m_fitted = false;
     bool m_refreshScheduled = false;

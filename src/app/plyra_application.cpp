@@ -8,6 +8,7 @@
 #include "app/morph_editor_window_controller.h"
 #include "app/package_file_dialog.h"
 #include "app/screen_fit.h"
+#include "app/textured_background.h"
 #include "app/update_alerts.h"
 #include "inspector/inspector_controller.h"
 #include "model/morph_document.h"
@@ -67,7 +68,7 @@ void PlyraApplication::configure(QApplication& application)
     ScreenFit::install();
     installTranslations(QLocale().uiLanguages());
     MorphAppController::registerDefaults();
-    MorphEditorWindowController::registerDefaults();
+    TexturedBackground::registerDefault();
 }
 
 QString PlyraApplication::installTranslations(const QStringList& languages)

@@ -13,6 +13,7 @@
 #include "model/morph_document.h"
 #include "platform/qt/user_defaults.h"
 #include "platform/run_loop.h"
+#include "render/windows/frame_window.h"
 #include "render/windows/preview_dock.h"
 #include "render/windows/preview_strip_view.h"
 #include "render/windows/render_scheduler.h"
@@ -225,6 +226,7 @@ private slots:
             }
             window->document().addMorphLine(line);
             window->showFrameWindow();
+            QCOMPARE(window->frameWindow()->documentDisplayName(), window->displayName());
         }
         endPass();
         std::vector<RenderScheduler*> schedulers;

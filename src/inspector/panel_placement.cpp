@@ -2,6 +2,7 @@
 #include "inspector/panel_placement.h"
 
 #include "platform/qt/user_defaults.h"
+#include "platform/qt/user_defaults_keys.h"
 
 #include <algorithm>
 
@@ -28,7 +29,7 @@ QPoint PanelPlacement::besideWindow(const QRect& windowFrame, QSize panelSize, c
 
 std::optional<QPoint> PanelPlacement::remembered(QSize panelSize, const QRect& available)
 {
-    const QVariant stored = UserDefaults::standard().object(QLatin1String(kPositionKey));
+    const QVariant stored = UserDefaults::standard().object(QLatin1String(DefaultsKey::kInspectorPanelPosition));
     if (!stored.canConvert<QPoint>())
         return std::nullopt;
     const QPoint position = stored.toPoint();
@@ -40,7 +41,7 @@ std::optional<QPoint> PanelPlacement::remembered(QSize panelSize, const QRect& a
 
 void PanelPlacement::remember(QPoint position)
 {
-    UserDefaults::standard().setObject(QLatin1String(kPositionKey), position);
+    UserDefaults::standard().setObject(QLatin1String(DefaultsKey::kInspectorPanelPosition), position);
 }
 
 } // namespace plyra

@@ -15,9 +15,6 @@ namespace plyra {
 /// Threads: main thread only.
 class PanelPlacement {
 public:
-    /// The user default that keeps the panel's last position.
-    static constexpr const char* kPositionKey = "inspectorPanelPosition";
-
     /// The panel's top-left corner for a document window's frame: right of it when the
     /// panel fits there, else left of it, else at the right edge of the screen.
     static QPoint besideWindow(const QRect& windowFrame, QSize panelSize, const QRect& available);

@@ -57,7 +57,7 @@ private slots:
 
     void opensBesideTheDocumentWindowAndRemembersItsPlace()
     {
-        UserDefaults::standard().remove(QLatin1String(PanelPlacement::kPositionKey));
+        UserDefaults::standard().remove(QStringLiteral("inspectorPanelPosition"));
         FakeDocumentWindow window;
         window.setGeometry(20, 40, 300, 200);
         window.activate();

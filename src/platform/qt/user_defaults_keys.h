@@ -18,6 +18,8 @@ inline constexpr char kCodecQuality[] = "codecQuality";
 inline constexpr char kMaxSampleInterval[] = "maxSampleInterval";
 /// List of paths: the documents opened last, newest first.
 inline constexpr char kRecentDocuments[] = "recentDocuments";
+/// Point: where the user last put the inspector panel, on the screen.
+inline constexpr char kInspectorPanelPosition[] = "inspectorPanelPosition";
 /// List of item identifiers under "IDENTIFIER/toolbarItems": the user's arrangement of a
 /// toolbar; IDENTIFIER names the kind of window.
 inline constexpr char kToolbarItems[] = "%1/toolbarItems";

@@ -19,8 +19,6 @@
 namespace plyra {
 namespace {
 
-constexpr int kRevertDelayMs = 10;
-
 InspectorController* g_sharedController = nullptr;
 
 // Document windows are the main windows; the panel, dialogs, sheets, popups and other
@@ -46,14 +44,13 @@ InspectorController::InspectorController(QObject* parent)
     , m_panel(std::make_unique<InspectorPanel>())
     , m_emptySelectionView(new EmptySelectionView)
     , m_offWin(std::make_unique<QWidget>())
+    , m_revertTimer([this] { revert(); })
 {
     if (!g_sharedController)
         g_sharedController = this;
     m_inspectors.reserve(2);
     m_revertTimer.setSingleShot(true);
     m_revertTimer.setInterval(kRevertDelayMs);
-    m_revertTimer.setTimerType(Qt::PreciseTimer);
-    connect(&m_revertTimer, &QTimer::timeout, this, &InspectorController::revert);
     connect(m_panel.get(), &InspectorPanel::visibilityChanged, this, &InspectorController::panelVisibilityChanged);
     m_panel->replaceContentView(m_emptySelectionView);
     observeNotifications();

@@ -5,7 +5,8 @@
 #include <QList>
 #include <QObject>
 #include <QPointer>
-#include <QTimer>
+
+#include "platform/qt/timer.h"
 
 #include <memory>
 
@@ -25,6 +26,9 @@ class InspectorController : public QObject {
     Q_OBJECT
 
 public:
+    /// How long after the last change of a burst the panel refreshes.
+    static constexpr int kRevertDelayMs = 10;
+
     /// Also becomes the shared controller when none is recorded yet.
     explicit InspectorController(QObject* parent = nullptr);
     ~InspectorController() override;
@@ -83,7 +87,7 @@ private:
     QPointer<QWidget> m_mainWindow;
     QList<QPointer<QAction>> m_editActions;
     QMetaObject::Connection m_mainWindowDestroyed;
-    QTimer m_revertTimer;
+    Timer m_revertTimer;
 };
 
 } // namespace plyra

@@ -169,7 +169,8 @@ private slots:
         m_server.body = versionList("1.3");
         UserDefaults::standard().setBoolean(QStringLiteral("CheckForUpdates"), false);
         m_controller->applicationDidFinishLaunching();
-        QTest::qWait(200);
+        QVERIFY(!m_controller->isChecking());
+        QCoreApplication::processEvents();
         QCOMPARE(m_server.requests, 0);
         QVERIFY(m_record.asked.isEmpty());
         check(true); // the command still works
@@ -197,7 +198,8 @@ private slots:
     {
         UserDefaults::standard().remove(QLatin1String(DefaultsKey::kVersionCheckURL));
         m_controller->applicationDidFinishLaunching();
-        QTest::qWait(100);
+        QVERIFY(!m_controller->isChecking());
+        QCoreApplication::processEvents();
         QCOMPARE(m_server.requests, 0);
         QCOMPARE(m_record.noAddress, 0);
         check(true);

@@ -149,7 +149,7 @@ private slots:
 
     void aNewImageIsFittedAndTheEmptyEditorFollows()
     {
-        QTest::qWait(50); // the window fits its editors once it is laid out
+        endPass(); // the window fits its editors once it is laid out
         QString reason;
         QVERIFY(document().setImageFromFile(m_image, 0, &reason)); // 300 x 200
         endPass();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "inspector_test_support.h"
 
+#include "inspector/inspector_controller.h"
 #include "inspector/inspector_selection.h"
 #include "platform/notification_center.h"
 #include "platform/qt/qt_run_loop.h"
@@ -18,6 +19,13 @@ void setUpInspectorTests()
     static QTemporaryDir defaultsDir;
     UserDefaults::standard().useFile(defaultsDir.filePath(QStringLiteral("defaults.ini")));
     bindRunLoopToQtEventLoop();
+    testClock();
+}
+
+ManualClock& testClock()
+{
+    static ManualClock clock;
+    return clock;
 }
 
 FakeDocumentWindow::FakeDocumentWindow()
@@ -98,7 +106,6 @@ bool CountingInspector::isValidInspectorForTargets(const QVariantList& targets) 
 void CountingInspector::revert()
 {
     ++reverts;
-    lastRevertMs = clock.isValid() ? clock.elapsed() : -1;
 }
 
 QWidget* CountingInspector::createView()
@@ -122,10 +129,10 @@ std::vector<std::array<float, 6>> timesOf(const std::vector<MorphLine::Ptr>& lin
 
 void settle()
 {
-    // Two passes of the loop end the notifications' pass; the panel refreshes 10 ms later.
-    QTest::qWait(40);
+    QCoreApplication::processEvents();
     RunLoop::main().runUntilIdle();
-    QTest::qWait(20);
+    testClock().advance(InspectorController::kRevertDelayMs);
+    QCoreApplication::processEvents();
 }
 
 } // namespace plyra::test

@@ -4,8 +4,8 @@
 #include "inspector/inspectable_window.h"
 #include "inspector/inspector.h"
 #include "model/morph_document.h"
+#include "platform/qt/timer.h"
 
-#include <QElapsedTimer>
 #include <QMainWindow>
 #include <QTemporaryDir>
 
@@ -14,9 +14,11 @@
 
 namespace plyra::test {
 
-/// Points user defaults at a temporary file and binds the run loop to Qt's, once per
-/// test program.
+/// Points user defaults at a temporary file, binds the run loop to Qt's and puts the
+/// panel's timers on testClock(), once per test program.
 void setUpInspectorTests();
+/// The time of the panel's timers, which moves only when a test moves it.
+ManualClock& testClock();
 
 /// A document window as the inspector panel sees it, over a real document.
 class FakeDocumentWindow : public QMainWindow, public InspectableWindow {
@@ -53,15 +55,13 @@ private:
     QVariant m_foreign;
 };
 
-/// An inspector that accepts any selection of lines and records when it refreshed.
+/// An inspector that accepts any selection of lines and counts its refreshes.
 class CountingInspector : public Inspector {
 public:
     bool isValidInspectorForTargets(const QVariantList& targets) const override;
     void revert() override;
 
     int reverts = 0;
-    QElapsedTimer clock;
-    qint64 lastRevertMs = -1;
 
 protected:
     QWidget* createView() override;
@@ -72,7 +72,7 @@ std::array<float, 6> timesOf(const MorphLine& line);
 /// The times of every line, in order.
 std::vector<std::array<float, 6>> timesOf(const std::vector<MorphLine::Ptr>& lines);
 
-/// Lets pending notifications, undo groups and panel refreshes run.
+/// Lets pending events, notifications, undo groups and panel refreshes run.
 void settle();
 
 } // namespace plyra::test

@@ -236,7 +236,7 @@ void PreviewDockTest::closedStripComputesNothing()
     QVERIFY(!strip.dock->isOpen());
     started.clear();
     doc.addLine(0.3f, 0.3f, 0.6f, 0.6f);
-    QTest::qWait(300);
+    test::advance(300);
     QCOMPARE(started.count(), 0);
 
     // Reopening renders anew; closing while it renders lets the render finish.

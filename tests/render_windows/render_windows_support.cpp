@@ -2,6 +2,7 @@
 #include "render_windows_support.h"
 
 #include "platform/qt/qt_run_loop.h"
+#include "platform/qt/timer.h"
 #include "platform/qt/user_defaults.h"
 #include "platform/run_loop.h"
 
@@ -12,6 +13,7 @@
 #include <QTest>
 
 #include <cmath>
+#include <thread>
 
 namespace plyra::test {
 
@@ -20,6 +22,22 @@ void initRenderWindowTests()
     static QTemporaryDir defaults;
     UserDefaults::standard().useFile(defaults.filePath(QStringLiteral("defaults.ini")));
     bindRunLoopToQtEventLoop();
+    testClock();
+}
+
+ManualClock& testClock()
+{
+    static ManualClock clock;
+    return clock;
+}
+
+void advance(int ms)
+{
+    QCoreApplication::processEvents();
+    RunLoop::main().runUntilIdle();
+    testClock().advance(ms);
+    QCoreApplication::processEvents();
+    RunLoop::main().runUntilIdle();
 }
 
 QString WindowTestDocument::writeTexture(const QString& path, QSize size, int seed)
@@ -74,7 +92,9 @@ bool waitFor(const std::function<bool()>& done, int timeoutMs)
     while (!done()) {
         if (deadline.hasExpired())
             return false;
-        QTest::qWait(5);
+        advance(10);
+        // Leave the processors to the workers for a moment.
+        std::this_thread::yield();
     }
     return true;
 }

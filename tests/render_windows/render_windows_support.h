@@ -11,14 +11,21 @@
 #include <memory>
 
 namespace plyra {
+class ManualClock;
 class RenderScheduler;
 }
 
 namespace plyra::test {
 
-/// Binds the notification queue to the Qt event loop and keeps the user defaults in a
-/// file of the test's own. Call once, from initTestCase().
+/// Binds the notification queue to the Qt event loop, keeps the user defaults in a file
+/// of the test's own and puts the render timers on testClock(). Call once, from
+/// initTestCase().
 void initRenderWindowTests();
+/// The time of the render windows' timers (recalculation delays, polls): it moves only
+/// when a test moves it.
+ManualClock& testClock();
+/// Moves the test clock on by ms and lets the events and notifications of that time run.
+void advance(int ms);
 
 /// A temporary folder with two textured images of the given sizes (an invalid size: no
 /// image in that track) and a document that uses them.
@@ -37,7 +44,9 @@ struct WindowTestDocument {
     static QString writeTexture(const QString& path, QSize size, int seed);
 };
 
-/// Waits, running the event loop, until the predicate holds; false after the time-out.
+/// Runs the event loop and moves the test clock on, 10 ms at a time, until the
+/// predicate holds; false when it still does not after timeoutMs of real time, which
+/// only the worker threads' work takes.
 bool waitFor(const std::function<bool()>& done, int timeoutMs = 20000);
 
 } // namespace plyra::test

@@ -10,12 +10,12 @@ namespace plyra {
 RenderScheduler::RenderScheduler(RenderController& controller, QObject* parent)
     : QObject(parent)
     , m_controller(controller)
+    , m_delay([this] { emit recalcRequested(); })
+    , m_poll([this] { poll(); })
 {
     m_delay.setSingleShot(true);
     m_delay.setInterval(kRecalcDelayMs);
     m_poll.setInterval(kPollIntervalMs);
-    connect(&m_delay, &QTimer::timeout, this, &RenderScheduler::recalcRequested);
-    connect(&m_poll, &QTimer::timeout, this, &RenderScheduler::poll);
 }
 
 RenderScheduler::~RenderScheduler()

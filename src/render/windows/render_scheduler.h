@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "platform/qt/timer.h"
+
 #include <QObject>
-#include <QTimer>
 
 namespace plyra {
 
@@ -51,8 +52,8 @@ private:
     void poll();
 
     RenderController& m_controller;
-    QTimer m_delay;
-    QTimer m_poll;
+    Timer m_delay;
+    Timer m_poll;
     bool m_observing = false;
 };
 

@@ -28,7 +28,6 @@
 #include <QStatusBar>
 #include <QMenuBar>
 #include <QScrollArea>
-#include <QSplitter>
 #include <QTest>
 #include <QToolBar>
 
@@ -112,16 +111,6 @@ private slots:
         m_script.saveAnswers.push_back(DocumentPrompts::SaveAnswer::DontSave);
         m_app.reset();
         endPass();
-    }
-
-    void editorsAreNamedAndSideBySide()
-    {
-        QCOMPARE(m_window->firstEditor()->accessibleName(), QStringLiteral("First image"));
-        QCOMPARE(m_window->lastEditor()->accessibleName(), QStringLiteral("Last image"));
-        QCOMPARE(m_window->firstEditor()->track(), 0u);
-        QCOMPARE(m_window->lastEditor()->track(), 1u);
-        QCOMPARE(m_window->editorSplitView()->count(), 2);
-        QCOMPARE(m_window->editorSplitView()->orientation(), Qt::Horizontal);
     }
 
     void toolbarItemsFollowImagesAndLines()
@@ -421,8 +410,6 @@ private slots:
         UserDefaults::standard().setBoolean(QStringLiteral("texturedWindows"), false);
         MorphEditorWindowController* plain = m_app->documents().newDocument();
         QVERIFY(!plain->hasTexturedBackground());
-        QCOMPARE(plain->centralWidget(), plain->editorSplitView());
-        QCOMPARE(plain->toolbar().shownIdentifiers(), m_window->toolbar().shownIdentifiers());
         UserDefaults::standard().remove(QStringLiteral("texturedWindows"));
     }
 

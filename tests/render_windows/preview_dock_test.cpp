@@ -56,8 +56,6 @@ private slots:
     void cellsFillStrictlyInOrder();
     void timeTolerance_data();
     void timeTolerance();
-    void mapsLinePointsOntoCells_data();
-    void mapsLinePointsOntoCells();
     void drawsTheLinesAtEachCellsTime();
     void closedStripComputesNothing();
     void aStripAtTheSideStandsUpright();
@@ -168,22 +166,6 @@ void PreviewDockTest::timeTolerance()
     render.consumeFinishedJobs();
     QTEST(!render.cellImage(0).isNull(), "fills");
     QVERIFY(!render.cellImage(1).isNull());
-}
-
-void PreviewDockTest::mapsLinePointsOntoCells_data()
-{
-    QTest::addColumn<QRectF>("cell");
-    QTest::addColumn<QPointF>("topCentre");
-    QTest::addColumn<QPointF>("origin");
-    QTest::newRow("at the top") << QRectF(100, 0, 80, 60) << QPointF(140, 0) << QPointF(100, 60);
-    QTest::newRow("lower down") << QRectF(100, 70, 80, 60) << QPointF(140, 70) << QPointF(100, 130);
-}
-
-void PreviewDockTest::mapsLinePointsOntoCells()
-{
-    QFETCH(QRectF, cell);
-    QTEST(PreviewStripView::mapToCell({0.5f, 1.0f}, cell), "topCentre");
-    QTEST(PreviewStripView::mapToCell({0.0f, 0.0f}, cell), "origin");
 }
 
 void PreviewDockTest::drawsTheLinesAtEachCellsTime()

@@ -2,6 +2,7 @@
 #include "model/document_package.h"
 
 #include "model/morph_document.h"
+#include "model/package_carry_over.h"
 #include "model/staged_directory.h"
 #include "model/tiff_io.h"
 #include "platform/log.h"
@@ -10,6 +11,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <algorithm>
 #include <cstdint>
@@ -46,44 +48,63 @@ bool fail(QString* error, const QString& message)
 
 // ---- writing -------------------------------------------------------------------------
 
-/// One image file of the package, named as "info.plist" records it.
-struct PackageImage {
-    QString fileName;
-    DisplayImage image;
-};
-
-/// Everything a package holds, gathered before anything is written.
-struct PackageContents {
-    PropertyList::Dictionary info;
-    std::vector<PackageImage> images;
-};
-
 QString imageFileName(unsigned track, bool pdf)
 {
     return QStringLiteral("Image_%1.%2").arg(track).arg(pdf ? QLatin1String("pdf") : QLatin1String("tiff"));
 }
 
+// An image that did not load is the user's file, not ours: it keeps its place. Inside
+// the package being replaced, or the one the document came from, it is carried into the
+// new package under the name it has there; anywhere else its path is kept unchanged.
+QString keptImageName(const MorphDocument& document, unsigned track, const QString& packagePath, PackageContents& contents)
+{
+    const QString location = document.imageURLInTrack(track);
+    // Inside the package being replaced first: after the save only the new package is there.
+    QString name = DocumentPackage::nameInside(packagePath, location);
+    if (name.isEmpty())
+        name = document.imageNameInPackageInTrack(track);
+    if (name.isEmpty() && !document.fileLocation().isEmpty())
+        name = DocumentPackage::nameInside(document.fileLocation(), location);
+    if (name.isEmpty())
+        return location;
+    const QFileInfo file(location);
+    if (file.exists() || file.isSymLink())
+        contents.kept.push_back({location, name});
+    return name;
+}
+
 // A track without an image still records its TIFF name; no file is written for it.
-void collectImages(const MorphDocument& document, PackageContents& contents)
+void collectImages(const MorphDocument& document, const QString& packagePath, PackageContents& contents)
 {
     const char* const pathKeys[2] = {kFirstImagePath, kLastImagePath};
     for (unsigned track = 0; track < 2; ++track) {
-        std::optional<DisplayImage> image = document.imageInTrack(track);
-        const QString name = imageFileName(track, image && image->isPdf());
+        const QString location = document.imageURLInTrack(track);
+        std::optional<DisplayImage> image = location.isEmpty() ? std::nullopt : document.imageInTrack(track);
+        QString name;
+        if (!location.isEmpty() && !image) {
+            name = keptImageName(document, track, packagePath, contents);
+        } else {
+            name = imageFileName(track, image && image->isPdf());
+            if (image)
+                contents.images.push_back({name, std::move(*image)});
+        }
         contents.info[pathKeys[track]] = name.toStdString();
-        if (image)
-            contents.images.push_back({name, std::move(*image)});
     }
 }
 
-PackageContents collect(const MorphDocument& document)
+} // namespace
+
+PackageContents DocumentPackage::contents(const MorphDocument& document, const QString& packagePath)
 {
     PackageContents contents;
+    // Keys this version does not read go back as they were; known keys are written
+    // over them.
+    contents.info = document.foreignPackageInfo();
     PropertyList::Array lines;
     for (const MorphLine::Ptr& line : document.morphLines())
         lines.push_back(line->pList());
     contents.info[kMorphLines] = std::move(lines);
-    collectImages(document, contents);
+    collectImages(document, packagePath, contents);
     // The frame size is two floats, written as reals.
     contents.info[kFrameWidth] = static_cast<double>(static_cast<float>(document.frameSize().width()));
     contents.info[kFrameHeight] = static_cast<double>(static_cast<float>(document.frameSize().height()));
@@ -96,6 +117,24 @@ PackageContents collect(const MorphDocument& document)
     }
     return contents;
 }
+
+QString DocumentPackage::nameInside(const QString& folder, const QString& path)
+{
+    const QString base = QDir::cleanPath(QFileInfo(folder).absoluteFilePath()) + QLatin1Char('/');
+    const QString cleaned = QDir::cleanPath(QFileInfo(path).absoluteFilePath());
+    if (cleaned.startsWith(base) && cleaned.size() > base.size())
+        return cleaned.mid(base.size());
+    // The same folder under another name (a symbolic link on the way).
+    const QString canonicalFolder = QFileInfo(folder).canonicalFilePath();
+    const QString canonicalFile = QFileInfo(QFileInfo(path).absolutePath()).canonicalFilePath();
+    if (canonicalFolder.isEmpty() || canonicalFile.isEmpty())
+        return {};
+    const QString resolved = canonicalFile + QLatin1Char('/') + QFileInfo(path).fileName();
+    const QString canonicalBase = canonicalFolder + QLatin1Char('/');
+    return resolved.startsWith(canonicalBase) ? resolved.mid(canonicalBase.size()) : QString();
+}
+
+namespace {
 
 bool writeBytes(const QByteArray& bytes, const QString& path, QString* reason)
 {
@@ -168,7 +207,7 @@ void readImages(MorphDocument& document, const PropertyList& info, const QString
     for (unsigned track = 0; track < 2; ++track) {
         const QString path = imagePath(info, pathKeys[track], packagePath);
         if (!path.isEmpty())
-            document.setImageFromURL(path, track);
+            document.setImageFromURL(path, track, DocumentPackage::nameInside(packagePath, path));
     }
 }
 
@@ -215,6 +254,17 @@ void readLineColor(MorphDocument& document, const PropertyList& info)
     document.restoreLineColor(color);
 }
 
+// The keys of the file that writing the document as read would not write: those this
+// version does not know (or knows only as the value it leaves out), kept as they were.
+PropertyList::Dictionary keysNotTakenUp(const PropertyList::Dictionary& read, const PropertyList::Dictionary& written)
+{
+    PropertyList::Dictionary foreign;
+    for (const auto& [key, value] : read)
+        if (!written.contains(key))
+            foreign.emplace(key, value);
+    return foreign;
+}
+
 // Each line goes through the joining rule, which restores the connections that the
 // file does not store.
 void readLines(MorphDocument& document, const PropertyList& info)
@@ -231,6 +281,7 @@ void readLines(MorphDocument& document, const PropertyList& info)
 
 bool DocumentPackage::read(MorphDocument& document, const QString& packagePath, QString* error)
 {
+    StagedDirectory::removeLeftovers(packagePath);
     UndoSuspension suspended(document.undoManager());
     const QString infoPath = QDir(packagePath).filePath(QLatin1String(kInfoFileName));
     std::string reason;
@@ -246,15 +297,20 @@ bool DocumentPackage::read(MorphDocument& document, const QString& packagePath, 
     readCodecSettings(document, *info);
     readLineColor(document, *info);
     readLines(document, *info);
+    document.setForeignPackageInfo({});
+    document.setForeignPackageInfo(keysNotTakenUp(*info->dictionary(), contents(document, packagePath).info));
     return true;
 }
 
-bool DocumentPackage::write(const MorphDocument& document, const QString& packagePath, QString* error)
+bool DocumentPackage::write(const MorphDocument& document, const QString& packagePath, QString* error,
+    const CommitHooks& hooks)
 {
-    const PackageContents contents = collect(document);
+    StagedDirectory::removeLeftovers(packagePath);
+    const PackageContents contents = DocumentPackage::contents(document, packagePath);
     // Each step that can fail says so itself, in the log and in the message: the folder
-    // the package is built in, the dictionary, each image, and moving it into place.
-    StagedDirectory staged(packagePath);
+    // the package is built in, the dictionary, each image, what is carried over, and
+    // moving it into place.
+    StagedDirectory staged(packagePath, hooks);
     if (!staged.isValid()) {
         logLine(formatString("Plyra could not create a folder to save %s in", localPath(staged.finalPath()).c_str()));
         return fail(error, staged.errorString());
@@ -264,6 +320,8 @@ bool DocumentPackage::write(const MorphDocument& document, const QString& packag
     for (const PackageImage& entry : contents.images)
         if (!writeImage(entry, staged, error))
             return false;
+    if (!PackageCarryOver::keepImages(contents, staged, error) || !PackageCarryOver::carryForeignEntries(contents, staged, error))
+        return false;
     if (staged.commit(error))
         return true;
     logLine(formatString("Plyra could not move the saved package into place at %s", localPath(staged.finalPath()).c_str()));

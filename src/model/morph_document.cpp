@@ -52,10 +52,13 @@ MorphDocument::MorphDocument()
     setCodecFormat(format.isEmpty() ? QStringLiteral("mp4v") : format);
     const qint64 quality = defaults.integer(QLatin1String(DefaultsKey::kCodecQuality));
     setCodecQuality(quality != 0 ? clampToInt(quality) : kDefaultCodecQuality);
+    markSaved();
+    m_undoManager.addChangeObserver(this, [this] { noteChange(); });
 }
 
 MorphDocument::~MorphDocument()
 {
+    m_undoManager.removeChangeObservers(this);
     m_undoManager.removeAllActionsWithTarget(this);
 }
 
@@ -189,30 +192,33 @@ bool MorphDocument::setImageFromFile(const QString& path, unsigned track, QStrin
             *error = failure.reason;
         return false;
     }
-    setImageFromURL(path, track, std::move(loaded));
+    setImageFromURL(path, track, QString(), std::move(loaded));
     return true;
 }
 
-void MorphDocument::setImageFromURL(const QString& path, unsigned track)
+void MorphDocument::setImageFromURL(const QString& path, unsigned track, const QString& nameInPackage)
 {
-    setImageFromURL(path, track, std::nullopt);
+    setImageFromURL(path, track, nameInPackage, std::nullopt);
 }
 
-void MorphDocument::setImageFromURL(const QString& path, unsigned track, std::optional<DisplayImage> preloaded)
+void MorphDocument::setImageFromURL(const QString& path, unsigned track, const QString& nameInPackage,
+    std::optional<DisplayImage> preloaded)
 {
     TrackImage& image = trackFor(track);
     const QString oldPath = image.location();
+    const QString oldName = image.nameInPackage();
     if (preloaded)
         image.setLocation(path, std::move(*preloaded));
     else
         image.setLocation(path);
+    image.setNameInPackage(nameInPackage);
     const std::optional<DisplayImage> loaded = image.displayImage();
     if (loaded && loaded->size().height() > 0.0)
         image.setAspectRatio(static_cast<float>(loaded->size().width()) / static_cast<float>(loaded->size().height()));
     const bool frameSizeUnset = m_frameSize.width() < 1.0 || m_frameSize.height() < 1.0;
     if (frameSizeUnset && !path.isEmpty() && loaded)
         setFrameSize(loaded->size());
-    registerUndo([this, oldPath, track] { setImageFromURL(oldPath, track); },
+    registerUndo([this, oldPath, oldName, track] { setImageFromURL(oldPath, track, oldName); },
         QT_TRANSLATE_NOOP("UndoAction", "Set Image"));
     postObjectsUpdated();
 }
@@ -220,6 +226,11 @@ void MorphDocument::setImageFromURL(const QString& path, unsigned track, std::op
 QString MorphDocument::imageURLInTrack(unsigned track) const
 {
     return trackFor(track).location();
+}
+
+QString MorphDocument::imageNameInPackageInTrack(unsigned track) const
+{
+    return trackFor(track).nameInPackage();
 }
 
 std::optional<DisplayImage> MorphDocument::imageInTrack(unsigned track) const
@@ -276,6 +287,7 @@ void MorphDocument::setCodecFormat(const QString& format)
     if (format == m_codecFormat)
         return;
     m_codecFormat = format;
+    noteChangeWithoutUndo();
     postObjectsUpdated();
 }
 
@@ -284,7 +296,49 @@ void MorphDocument::setCodecQuality(int quality)
     if (quality == m_codecQuality)
         return;
     m_codecQuality = quality;
+    noteChangeWithoutUndo();
     postObjectsUpdated();
+}
+
+// ---- edited state --------------------------------------------------------------------
+
+bool MorphDocument::isEdited() const
+{
+    return m_forcedEdited || m_changedWithoutUndo || m_undoManager.namedUndoStepIds() != m_savedSteps;
+}
+
+void MorphDocument::markSaved()
+{
+    m_savedSteps = m_undoManager.namedUndoStepIds();
+    m_changedWithoutUndo = false;
+    m_forcedEdited = false;
+    noteChange();
+}
+
+void MorphDocument::markEdited()
+{
+    m_forcedEdited = true;
+    noteChange();
+}
+
+void MorphDocument::noteChangeWithoutUndo()
+{
+    // Reading a file sets values with undo registration off: that is where the document
+    // starts, not a change.
+    if (!m_undoManager.isUndoRegistrationEnabled())
+        return;
+    m_changedWithoutUndo = true;
+    noteChange();
+}
+
+void MorphDocument::noteChange()
+{
+    ++m_changeCount;
+    const bool edited = isEdited();
+    if (edited == m_lastEdited)
+        return;
+    m_lastEdited = edited;
+    NotificationQueue::defaultQueue().enqueueAsSoonAsPossible({kEditedStateChangedNotification, this});
 }
 
 // ---- package -------------------------------------------------------------------------
@@ -294,14 +348,16 @@ bool MorphDocument::readFromFile(const QString& path, QString* error)
     if (!DocumentPackage::read(*this, path, error))
         return false;
     m_fileLocation = path;
+    markSaved();
     return true;
 }
 
-bool MorphDocument::writeToFile(const QString& path, QString* error) const
+bool MorphDocument::writeToFile(const QString& path, QString* error)
 {
     if (!DocumentPackage::write(*this, path, error))
         return false;
     m_fileLocation = path;
+    markSaved();
     return true;
 }
 

@@ -7,6 +7,7 @@
 #include "model/morph_line.h"
 #include "model/track_image.h"
 #include "platform/output_path_guard.h"
+#include "platform/plist/property_list.h"
 #include "platform/undo_manager.h"
 
 #include <QSizeF>
@@ -14,6 +15,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -23,6 +25,8 @@ namespace plyra {
 /// The name of the notification posted when the selection or the line colour changes
 /// (only drawing is stale).
 inline constexpr const char* kSelectionUpdatedNotification = "selectionUpdated";
+/// The name of the notification posted when the document becomes edited or unedited.
+inline constexpr const char* kEditedStateChangedNotification = "editedStateChanged";
 
 /// The morph document: the two track images by location, the lines and their
 /// selection, the colour lines are drawn in, the output frame size and the movie codec
@@ -66,11 +70,15 @@ public:
 
     // ---- images (track 0 for 0, track 1 for any other value) ----
     /// Sets where the track's image is read from (empty for none); "Set Image". The
-    /// first image that loads fixes an unset frame size.
-    void setImageFromURL(const QString& path, unsigned track);
+    /// first image that loads fixes an unset frame size. nameInPackage is the name a
+    /// package records for a file inside it, which saving keeps for an image that
+    /// cannot be read.
+    void setImageFromURL(const QString& path, unsigned track, const QString& nameInPackage = {});
     /// setImageFromURL() for a file that reads as an image; nothing changes otherwise.
     bool setImageFromFile(const QString& path, unsigned track, QString* error) override;
     QString imageURLInTrack(unsigned track) const;
+    /// The name given with the track's location; empty when none was.
+    QString imageNameInPackageInTrack(unsigned track) const;
     /// Loaded on first request; nothing (and a log line) when the file gives no image.
     std::optional<DisplayImage> imageInTrack(unsigned track) const override;
     /// The image the frame engine renders from (premultiplied RGBA bitmap, origin bottom
@@ -102,21 +110,43 @@ public:
     int codecQuality() const { return m_codecQuality; }
     void setCodecQuality(int quality);
 
+    // ---- edited state ----
+    /// Whether the document differs from what was last saved or read (or from its empty
+    /// start): its named undo steps are not those it had then, or a change without undo
+    /// (the codec settings) happened since. Undoing back to the saved state makes it
+    /// unedited again. Posts "editedStateChanged" whenever the answer changes.
+    bool isEdited() const;
+    /// Takes the document as it is now as its saved state; writing and reading it do so.
+    void markSaved();
+    /// From now on the document counts as edited until the next save (a new document
+    /// made from images, a recovered one).
+    void markEdited();
+    /// Grows with every change that a save would write (each undo step, undo, redo,
+    /// change without undo), so that a copy can tell whether it is current.
+    std::uint64_t changeCount() const { return m_changeCount; }
+
     // ---- package on disk ----
     /// Fills the document from a package directory. False, with a reason in error, when
     /// its "info.plist" cannot be read as a dictionary. Registers no undo steps.
     bool readFromFile(const QString& path, QString* error = nullptr);
     /// Writes the document as a package directory, replacing what is at path only once
     /// the new package is complete. False, with a reason in error, when it could not.
-    bool writeToFile(const QString& path, QString* error = nullptr) const;
+    bool writeToFile(const QString& path, QString* error = nullptr);
     /// The package the document was read from or last written to; empty for a new one.
     const QString& fileLocation() const { return m_fileLocation; }
+    /// Makes the document belong to another package (empty for none) without reading or
+    /// writing: a recovered document belongs to the package it was recovered for.
+    void setFileLocation(const QString& path) { m_fileLocation = path; }
+    /// The keys of the package's "info.plist" that reading did not take up, which
+    /// writing puts back unchanged.
+    const PropertyList::Dictionary& foreignPackageInfo() const { return m_foreignPackageInfo; }
+    void setForeignPackageInfo(PropertyList::Dictionary info) { m_foreignPackageInfo = std::move(info); }
     /// A guard for output files that refuses writing into the document's package or over
     /// the image files it reads, besides anything that is not a regular file.
     OutputPathGuard outputGuard() const;
 
 private:
-    void setImageFromURL(const QString& path, unsigned track, std::optional<DisplayImage> preloaded);
+    void setImageFromURL(const QString& path, unsigned track, const QString& nameInPackage, std::optional<DisplayImage> preloaded);
     TrackImage& trackFor(unsigned track) const { return m_tracks[track == 0 ? 0 : 1]; }
     void joinToCoincidingLine(const MorphLine::Ptr& line);
     void deselectLine(const MorphLine::Ptr& line);
@@ -125,6 +155,8 @@ private:
     void registerUndo(std::function<void()> action, const char* actionName = nullptr);
     void postObjectsUpdated();
     void postSelectionUpdated();
+    void noteChange();
+    void noteChangeWithoutUndo();
 
     UndoManager m_undoManager;
     // The images are caches of the locations, loaded by the const getters.
@@ -135,7 +167,15 @@ private:
     QSizeF m_frameSize{0.0, 0.0};
     QString m_codecFormat;
     int m_codecQuality = 0;
-    mutable QString m_fileLocation;
+    QString m_fileLocation;
+    PropertyList::Dictionary m_foreignPackageInfo;
+    // The edited state: the named undo steps at the last save, and what happened since
+    // that the undo history does not show.
+    std::vector<std::uint64_t> m_savedSteps;
+    bool m_changedWithoutUndo = false;
+    bool m_forcedEdited = false;
+    bool m_lastEdited = false;
+    std::uint64_t m_changeCount = 0;
 };
 
 } // namespace plyra

@@ -38,6 +38,7 @@ TrackImage::FileStamp TrackImage::FileStamp::of(const QString& path)
 void TrackImage::setLocation(const QString& path)
 {
     m_location = path;
+    m_nameInPackage.clear();
     m_display.reset();
     m_render = Image();
     m_failure.reset();

@@ -26,6 +26,10 @@ public:
     void setLocation(const QString& path);
     /// The same, keeping an image already read from that file.
     void setLocation(const QString& path, DisplayImage loaded);
+    /// The name the package the image was read from gives it ("Image_0.png"), when it
+    /// lies inside that package; empty otherwise. setLocation() clears it.
+    const QString& nameInPackage() const { return m_nameInPackage; }
+    void setNameInPackage(const QString& name) { m_nameInPackage = name; }
 
     /// Logs "Could not create Image from '<path>': <reason>" when the file gives no image.
     std::optional<DisplayImage> displayImage();
@@ -62,6 +66,7 @@ private:
     void remember(const ImageLoadFailure& failure, Purpose purpose);
 
     QString m_location;
+    QString m_nameInPackage;
     std::optional<DisplayImage> m_display;
     Image m_render;
     std::optional<ImageLoadFailure> m_failure;

@@ -273,10 +273,22 @@ int UndoManager::redoStepCount() const
     return static_cast<int>(m_redoStack.size());
 }
 
+void UndoManager::addChangeObserver(const void* owner, std::function<void()> callback)
+{
+    m_changeObservers.emplace_back(owner, std::move(callback));
+}
+
+void UndoManager::removeChangeObservers(const void* owner)
+{
+    std::erase_if(m_changeObservers, [owner](const auto& observer) { return observer.first == owner; });
+}
+
 void UndoManager::notifyChanged()
 {
-    if (m_changed)
-        m_changed();
+    // A copy: an observer may add or remove observers.
+    const auto observers = m_changeObservers;
+    for (const auto& [owner, callback] : observers)
+        callback();
 }
 
 } // namespace plyra

@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace plyra {
@@ -77,8 +78,10 @@ public:
     /// when there is no step.
     bool reopenLastStep();
 
-    /// Called after every change of the stacks (for menus that show the titles).
-    void setChangeCallback(std::function<void()> callback) { m_changed = std::move(callback); }
+    /// Calls back after every change of the stacks (menus that show the titles, the
+    /// document's edited state); owner identifies the callback for removal.
+    void addChangeObserver(const void* owner, std::function<void()> callback);
+    void removeChangeObservers(const void* owner);
 
 private:
     struct Entry {
@@ -108,7 +111,7 @@ private:
     bool m_groupsByEvent = true;
     bool m_autoGroupOpen = false;
     bool m_closeScheduled = false; // an end-of-pass close is pending
-    std::function<void()> m_changed;
+    std::vector<std::pair<const void*, std::function<void()>>> m_changeObservers;
     StateCapture m_capture;
     std::shared_ptr<bool> m_alive;
     std::uint64_t m_nextGroupId = 1;

@@ -197,7 +197,9 @@ TEST_F(DocumentPackageTest, AnAbsoluteImagePathIsCopiedIntoThePackageOnTheNextSa
     EXPECT_EQ(argb(document->imageInTrack(0)->raster), argb(read->imageInTrack(0)->raster));
 }
 
-TEST_F(DocumentPackageTest, SavingOverAPackageRemovesFilesTheNewSaveDoesNotWrite)
+// The images the package named are the document's: a new form replaces them. Files of
+// the user's own stay.
+TEST_F(DocumentPackageTest, SavingOverAPackageReplacesItsImagesAndKeepsOtherFiles)
 {
     writeBytes(path("first.pdf"), makePdf(30, 20));
     MorphDocument document;
@@ -212,7 +214,9 @@ TEST_F(DocumentPackageTest, SavingOverAPackageRemovesFilesTheNewSaveDoesNotWrite
     ASSERT_TRUE(read && read->imageInTrack(1));
     read->setImageFromURL(writePng("first.png", 30, 20), 0);
     ASSERT_TRUE(read->writeToFile(slashed));
-    EXPECT_EQ(entries(package()), (QStringList{QStringLiteral("Image_0.tiff"), QStringLiteral("Image_1.tiff"), QStringLiteral("info.plist")}));
+    EXPECT_EQ(entries(package()), (QStringList{QStringLiteral("Image_0.tiff"), QStringLiteral("Image_1.tiff"),
+                                      QStringLiteral("info.plist"), QStringLiteral("notes.txt")}));
+    EXPECT_EQ(fileBytes(inPackage("notes.txt")), QByteArray("left over"));
     auto again = reopen(package());
     ASSERT_TRUE(again && again->imageInTrack(1));
     EXPECT_EQ(argb(read->imageInTrack(1)->raster), argb(again->imageInTrack(1)->raster));

@@ -8,12 +8,37 @@
 
 #include <gtest/gtest.h>
 
+#include <QBuffer>
 #include <QImage>
+#include <QImageWriter>
 #include <QTemporaryDir>
 
 #include <functional>
 
 namespace plyra::test {
+
+/// A small JPEG whose frame header claims width × height.
+inline QByteArray jpegClaiming(int width, int height)
+{
+    QImage image(16, 16, QImage::Format_RGB32);
+    image.fill(Qt::darkCyan);
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    EXPECT_TRUE(QImageWriter(&buffer, "jpeg").write(image));
+    for (qsizetype i = 0; i + 8 < bytes.size(); ++i) {
+        const auto marker = static_cast<unsigned char>(bytes[i + 1]);
+        if (static_cast<unsigned char>(bytes[i]) == 0xff && (marker == 0xc0 || marker == 0xc2)) {
+            bytes[i + 5] = static_cast<char>(height >> 8);
+            bytes[i + 6] = static_cast<char>(height & 0xff);
+            bytes[i + 7] = static_cast<char>(width >> 8);
+            bytes[i + 8] = static_cast<char>(width & 0xff);
+            return bytes;
+        }
+    }
+    ADD_FAILURE() << "no frame header in the JPEG";
+    return bytes;
+}
 
 /// A temporary directory, user defaults of its own, a clean run loop and counters of
 /// the two document notifications, for the document and package tests.

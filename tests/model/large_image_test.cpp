@@ -6,6 +6,8 @@
 #include "model/track_image.h"
 #include "platform/stop_request.h"
 
+#include "document_test_support.h"
+
 #include <gtest/gtest.h>
 
 #include <QBuffer>
@@ -59,29 +61,6 @@ QByteArray pdfWithPage(int size)
         pdf += QByteArray::number(offset).rightJustified(10, '0') + " 00000 n \n";
     pdf += "trailer\n<< /Size 4 /Root 1 0 R >>\nstartxref\n" + QByteArray::number(xref) + "\n%%EOF\n";
     return pdf;
-}
-
-// A small JPEG whose frame header claims width × height.
-QByteArray jpegClaiming(int width, int height)
-{
-    QImage image(16, 16, QImage::Format_RGB32);
-    image.fill(Qt::darkCyan);
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    EXPECT_TRUE(QImageWriter(&buffer, "jpeg").write(image));
-    for (qsizetype i = 0; i + 8 < bytes.size(); ++i) {
-        const auto marker = static_cast<unsigned char>(bytes[i + 1]);
-        if (static_cast<unsigned char>(bytes[i]) == 0xff && (marker == 0xc0 || marker == 0xc2)) {
-            bytes[i + 5] = static_cast<char>(height >> 8);
-            bytes[i + 6] = static_cast<char>(height & 0xff);
-            bytes[i + 7] = static_cast<char>(width >> 8);
-            bytes[i + 8] = static_cast<char>(width & 0xff);
-            return bytes;
-        }
-    }
-    ADD_FAILURE() << "no frame header in the JPEG";
-    return bytes;
 }
 
 // A little-endian TIFF header and directory claiming width × height RGB pixels.
@@ -145,7 +124,7 @@ struct RefusedCase {
 TEST_F(LargeImage, FilesClaimingTooManyPixelsOrNotBeingFilesAreRefusedWithTheirReason)
 {
     const std::vector<RefusedCase> cases{
-        {"bomb.jpg", [](const QString& p) { writeBytes(p, jpegClaiming(60000, 60000)); }, FileProblem::TooLarge,
+        {"bomb.jpg", [](const QString& p) { writeBytes(p, test::jpegClaiming(60000, 60000)); }, FileProblem::TooLarge,
          "the image is too large: 60000 × 60000 pixels"},
         {"bomb.tiff", [](const QString& p) { writeBytes(p, tiffClaiming(60000, 60000)); }, FileProblem::TooLarge,
          "60000 × 60000 pixels"},

@@ -3,6 +3,7 @@
 
 #include "app/document_prompts.h"
 #include "app/morph_editor_window_controller.h"
+#include "model/document_package.h"
 #include "model/morph_document.h"
 
 #include <QDir>
@@ -89,7 +90,7 @@ MorphEditorWindowController* DocumentManager::newDocumentWithImages(const QStrin
     }
     document->undoManager().enableUndoRegistration();
     MorphEditorWindowController* window = adopt(std::move(document), QString());
-    window->markDocumentEdited();
+    window->document().markEdited();
     return window;
 }
 
@@ -139,7 +140,6 @@ bool DocumentManager::writeTo(MorphEditorWindowController* window, const QString
         return false;
     }
     window->setFilePath(canonical(path));
-    window->markDocumentSaved();
     m_recent.add(path);
     return true;
 }
@@ -158,9 +158,13 @@ bool DocumentManager::saveAs(MorphEditorWindowController* window)
     const QString path = m_prompts->askSavePath(window, start);
     if (path.isEmpty())
         return false;
+    const QString cannotSave = tr("The document \"%1\" could not be saved as \"%2\".").arg(window->displayName(), documentName(path));
+    if (!window->filePath().isEmpty() && !DocumentPackage::nameInside(window->filePath(), path).isEmpty()) {
+        m_prompts->showError(window, cannotSave, tr("A document cannot be saved inside its own package."));
+        return false;
+    }
     if (MorphEditorWindowController* other = windowForPath(path); other && other != window) {
-        m_prompts->showError(window, tr("The document \"%1\" could not be saved as \"%2\".").arg(window->displayName(), documentName(path)),
-            tr("A document of that name is open in another window."));
+        m_prompts->showError(window, cannotSave, tr("A document of that name is open in another window."));
         return false;
     }
     return writeTo(window, path);
@@ -185,7 +189,7 @@ void DocumentManager::revert(MorphEditorWindowController* window)
 
 bool DocumentManager::close(MorphEditorWindowController* window)
 {
-    if (window->isDocumentEdited()) {
+    if (window->document().isEdited()) {
         window->raise();
         window->activateWindow();
         switch (m_prompts->askToSaveChanges(window, window->displayName())) {

@@ -7,6 +7,7 @@
 #include "app/editor_zoom.h"
 #include "app/face_lines_command.h"
 #include "app/image_chooser.h"
+#include "app/image_problem_bar.h"
 #include "app/line_color_well.h"
 #include "app/localization.h"
 #include "app/main_menu.h"
@@ -30,6 +31,7 @@
 #include <QStatusBar>
 #include <QTimer>
 #include <QToolBar>
+#include <QVBoxLayout>
 
 #include <algorithm>
 
@@ -63,7 +65,6 @@ MorphEditorWindowController::MorphEditorWindowController(std::unique_ptr<MorphDo
 {
     setObjectName(QStringLiteral("documentWindow"));
     setAttribute(Qt::WA_DeleteOnClose, false);
-    m_edited.markSaved(*m_document);
     m_renderWindows = new DocumentRenderWindows(*m_document, this);
     m_renderWindows->setDocumentName(displayName(), m_filePath);
     buildEditors();
@@ -89,7 +90,7 @@ MorphEditorWindowController::MorphEditorWindowController(std::unique_ptr<MorphDo
 MorphEditorWindowController::~MorphEditorWindowController()
 {
     NotificationCenter::defaultCenter().removeObserversOwnedBy(this);
-    m_document->undoManager().setChangeCallback(nullptr);
+    m_document->undoManager().removeChangeObservers(this);
     // Everything that refers to the document goes before it does.
     closeDocumentWindows();
     delete m_faceLines;
@@ -98,6 +99,8 @@ MorphEditorWindowController::~MorphEditorWindowController()
     m_previewDock = nullptr;
     delete m_editorSplitView;
     m_editorSplitView = nullptr;
+    delete m_imageProblems;
+    m_imageProblems = nullptr;
 }
 
 void MorphEditorWindowController::buildEditors()
@@ -120,7 +123,15 @@ void MorphEditorWindowController::buildEditors()
     m_lastScrollArea = scrollAreaFor(m_lastEditor, QStringLiteral("lastScrollArea"), m_editorSplitView);
     m_editorSplitView->addWidget(m_firstScrollArea);
     m_editorSplitView->addWidget(m_lastScrollArea);
-    setCentralWidget(m_editorSplitView);
+    // Above the editors, the bar that names images which could not be shown.
+    auto* central = new QWidget(this);
+    auto* column = new QVBoxLayout(central);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    m_imageProblems = new ImageProblemBar(*m_document, central);
+    column->addWidget(m_imageProblems);
+    column->addWidget(m_editorSplitView, 1);
+    setCentralWidget(central);
 
     for (MorphEditor* editor : {m_firstEditor, m_lastEditor})
         connect(editor, &MorphEditor::statusMessageRequested, this,
@@ -179,7 +190,7 @@ void MorphEditorWindowController::buildActions()
 
     const auto& lines = [this] { return m_document->morphLines(); };
     const auto& selection = [this] { return m_document->selectedLines(); };
-    a.setEnabledRule(Command::Revert, [this] { return !m_filePath.isEmpty() && isDocumentEdited(); });
+    a.setEnabledRule(Command::Revert, [this] { return !m_filePath.isEmpty() && m_document->isEdited(); });
     a.setEnabledRule(Command::Undo, [this] { return m_document->undoManager().canUndo(); });
     a.setEnabledRule(Command::Redo, [this] { return m_document->undoManager().canRedo(); });
     a.setEnabledRule(Command::Delete, [selection] { return !selection().empty(); });
@@ -217,11 +228,11 @@ void MorphEditorWindowController::buildFaceLines()
 void MorphEditorWindowController::observeDocument()
 {
     NotificationCenter& center = NotificationCenter::defaultCenter();
-    for (const char* name : {kObjectsUpdatedNotification, kSelectionUpdatedNotification})
+    for (const char* name : {kObjectsUpdatedNotification, kSelectionUpdatedNotification, kEditedStateChangedNotification})
         center.addObserver(name, [this](const Notification&) { refreshState(); }, this, m_document->notificationObject());
     // The undo manager reports every registration, several per mouse move of a drag:
     // the window's state follows once per event-loop pass.
-    m_document->undoManager().setChangeCallback([this] { scheduleRefresh(); });
+    m_document->undoManager().addChangeObserver(this, [this] { scheduleRefresh(); });
 }
 
 void MorphEditorWindowController::scheduleRefresh()
@@ -259,7 +270,7 @@ void MorphEditorWindowController::refreshState()
     m_actions->refresh();
     m_toolbar->lineColorWell()->setColor(m_document->lineColor()->toQColor());
     updateUndoTitles();
-    setWindowModified(isDocumentEdited());
+    setWindowModified(m_document->isEdited());
 }
 
 void MorphEditorWindowController::updateTitle()
@@ -295,23 +306,6 @@ QString MorphEditorWindowController::displayName() const
     if (m_filePath.isEmpty())
         return m_untitledName;
     return QFileInfo(m_filePath).completeBaseName();
-}
-
-bool MorphEditorWindowController::isDocumentEdited() const
-{
-    return m_edited.isEdited(*m_document);
-}
-
-void MorphEditorWindowController::markDocumentSaved()
-{
-    m_edited.markSaved(*m_document);
-    refreshState();
-}
-
-void MorphEditorWindowController::markDocumentEdited()
-{
-    m_edited.markEdited();
-    refreshState();
 }
 
 void MorphEditorWindowController::buildPreviewDrawer()

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/document_edited_state.h"
 #include "inspector/inspectable_window.h"
 #include "platform/notification_center.h"
 
@@ -23,6 +22,7 @@ class DocumentToolbar;
 class EditorZoom;
 class FaceLinesCommand;
 class FrameWindow;
+class ImageProblemBar;
 class MorphDocument;
 class MorphEditor;
 class MovieWindow;
@@ -48,15 +48,13 @@ public:
     /// The package's name without ".plyra", or the untitled name.
     QString displayName() const;
 
-    bool isDocumentEdited() const;
-    void markDocumentSaved();
-    void markDocumentEdited();
     /// Closes the render windows that belong to this document.
     void closeDocumentWindows();
 
     MorphEditor* firstEditor() const { return m_firstEditor; }
     MorphEditor* lastEditor() const { return m_lastEditor; }
     QSplitter* editorSplitView() const { return m_editorSplitView; }
+    ImageProblemBar* imageProblems() const { return m_imageProblems; }
     WindowActions& actions() const { return *m_actions; }
     DocumentToolbar& toolbar() const { return *m_toolbar; }
     bool hasTexturedBackground() const { return m_textured; }
@@ -116,12 +114,12 @@ private:
     std::unique_ptr<MorphDocument> m_document;
     QString m_filePath;
     QString m_untitledName;
-    DocumentEditedState m_edited;
     ApplicationCommands& m_commands;
     WindowActions* m_actions = nullptr;
     FaceLinesCommand* m_faceLines = nullptr;
     DocumentToolbar* m_toolbar = nullptr;
     QSplitter* m_editorSplitView = nullptr;
+    ImageProblemBar* m_imageProblems = nullptr;
     MorphEditor* m_firstEditor = nullptr;
     MorphEditor* m_lastEditor = nullptr;
     QScrollArea* m_firstScrollArea = nullptr;

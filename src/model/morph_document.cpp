@@ -338,7 +338,7 @@ void MorphDocument::noteChange()
     if (edited == m_lastEdited)
         return;
     m_lastEdited = edited;
-    NotificationQueue::defaultQueue().enqueueAsSoonAsPossible({kEditedStateChangedNotification, this});
+    NotificationQueue::defaultQueue().enqueueAsSoonAsPossible({kEditedStateChangedNotification, notificationObject()});
 }
 
 // ---- package -------------------------------------------------------------------------

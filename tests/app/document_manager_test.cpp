@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTest>
 
 using namespace plyra;
@@ -98,10 +99,24 @@ private slots:
         endPass();
         m_script.savePaths.push_back(m_dir.filePath(QStringLiteral("marks.plyra")));
         QVERIFY(documents().save(window));
+        endPass();
         QVERIFY(!window->isWindowModified());
         window->document().insertObjectInSelectedLinesAtIndex(window->document().morphLines().front(), 0);
         endPass();
         QVERIFY(!window->isWindowModified());
+    }
+
+    void saveAsIntoTheDocumentsOwnPackageIsRefused()
+    {
+        const QString package = savedPackage(QStringLiteral("own.plyra"));
+        MorphEditorWindowController* window = documents().openDocument(package);
+        QVERIFY(window);
+        m_script.savePaths.push_back(package + QStringLiteral("/own.plyra"));
+        QVERIFY(!documents().saveAs(window));
+        QCOMPARE(m_script.errors.size(), 1);
+        QVERIFY(m_script.errors.constFirst().contains(QStringLiteral("cannot be saved inside its own package")));
+        QVERIFY(!QFileInfo::exists(package + QStringLiteral("/own.plyra")));
+        QCOMPARE(window->filePath(), QFileInfo(package).canonicalFilePath());
     }
 
     void closingAnEditedDocumentAsks_data()
@@ -148,7 +163,7 @@ private slots:
         QVERIFY(documents().saveAs(window));
         QCOMPARE(window->displayName(), QStringLiteral("copy"));
         QVERIFY(window->windowTitle().startsWith(QStringLiteral("copy[*]")));
-        QVERIFY(!window->isDocumentEdited());
+        QVERIFY(!window->document().isEdited());
 
         MorphDocument reread;
         QVERIFY(reread.readFromFile(copy));
@@ -165,13 +180,13 @@ private slots:
         MorphEditorWindowController* window = documents().openDocument(path);
         window->document().removeObjectFromMorphLinesAtIndex(0);
         endPass();
-        QVERIFY(window->isDocumentEdited());
+        QVERIFY(window->document().isEdited());
         documents().revert(window);
         endPass();
         QCOMPARE(documents().windows().size(), 1u);
         MorphEditorWindowController* reverted = documents().windows().front();
         QCOMPARE(reverted->document().morphLines().size(), 1u);
-        QVERIFY(!reverted->isDocumentEdited());
+        QVERIFY(!reverted->document().isEdited());
     }
 
     void aDamagedPackageIsRefusedWithItsNameAndReason_data()
@@ -218,7 +233,7 @@ private slots:
         QCOMPARE(documents().windows().size(), 1u);
         MorphEditorWindowController* window = documents().windows().front();
         QVERIFY(window->document().imageInTrack(0) && window->document().imageInTrack(1));
-        QVERIFY(window->isDocumentEdited());
+        QVERIFY(window->document().isEdited());
         QVERIFY(!window->document().undoManager().canUndo());
         // Its first Save proposes the folder of its first image.
         QVERIFY(!documents().save(window));

@@ -2,6 +2,7 @@
 #include "app/document_manager.h"
 #include "app/document_toolbar.h"
 #include "app/image_chooser.h"
+#include "app/image_problem_bar.h"
 #include "app/line_color_well.h"
 #include "app/morph_editor_window_controller.h"
 #include "app/plyra_application.h"
@@ -345,6 +346,23 @@ private slots:
         endPass();
         QVERIFY(!document().storedLineColor());
         QCOMPARE(well->color(), document().lineColor()->toQColor());
+    }
+
+    void imagesThatCannotBeShownAreNamedWithTheirReason()
+    {
+        const ImageProblemBar* bar = m_window->imageProblems();
+        QVERIFY(bar->message().isEmpty());
+        QFile broken(m_dir.filePath(QStringLiteral("broken.png")));
+        QVERIFY(broken.open(QIODevice::WriteOnly));
+        broken.write("not a picture");
+        broken.close();
+        document().setImageFromURL(broken.fileName(), 1);
+        endPass();
+        QCOMPARE(bar->message(), QStringLiteral("The last image “broken.png” could not be shown: it is not an image in a format "
+                                                "Plyra can read.\nPlyra keeps the file in the document as it is."));
+        m_window->undo();
+        endPass();
+        QVERIFY(bar->message().isEmpty());
     }
 
     void imagesAreChosenFromTheFileMenu()

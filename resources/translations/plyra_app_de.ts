@@ -195,6 +195,10 @@
         <source>&quot;%1&quot; already exists. Do you want to replace it?</source>
         <translation>„%1“ existiert bereits. Möchten Sie es ersetzen?</translation>
     </message>
+    <message>
+        <source>&amp;Save</source>
+        <translation>&amp;Speichern</translation>
+    </message>
 </context>
 <context>
     <name>UndoAction</name>
@@ -439,6 +443,10 @@
         <source>A document of that name is open in another window.</source>
         <translation>Ein Dokument dieses Namens ist in einem anderen Fenster geöffnet.</translation>
     </message>
+    <message>
+        <source>A document cannot be saved inside its own package.</source>
+        <translation>Ein Dokument kann nicht in seinem eigenen Paket gesichert werden.</translation>
+    </message>
 </context>
 <context>
     <name>plyra::EditorZoom</name>
@@ -522,6 +530,29 @@
     <message>
         <source>Choose Last Image</source>
         <translation>Letztes Bild wählen</translation>
+    </message>
+</context>
+<context>
+    <name>plyra::ImageProblemBar</name>
+    <message>
+        <source>Image problems</source>
+        <translation>Probleme mit Bildern</translation>
+    </message>
+    <message>
+        <source>it could not be read</source>
+        <translation>es konnte nicht gelesen werden</translation>
+    </message>
+    <message>
+        <source>The first image “%1” could not be shown: %2.</source>
+        <translation>Das erste Bild „%1“ kann nicht angezeigt werden: %2.</translation>
+    </message>
+    <message>
+        <source>The last image “%1” could not be shown: %2.</source>
+        <translation>Das letzte Bild „%1“ kann nicht angezeigt werden: %2.</translation>
+    </message>
+    <message>
+        <source>Plyra keeps the file in the document as it is.</source>
+        <translation>Plyra behält die Datei unverändert im Dokument.</translation>
     </message>
 </context>
 <context>

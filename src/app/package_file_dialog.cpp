@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "app/package_file_dialog.h"
 
+#include <QAbstractButton>
 #include <QApplication>
+#include <QDialogButtonBox>
+#include <QLineEdit>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileIconProvider>
@@ -31,20 +34,73 @@ QString dialogText(const char* text)
     return QApplication::translate("PackageFileDialog", text);
 }
 
-// Prepares a dialog that takes a package the moment the user tries to enter it: the
-// dialog then closes with that package as its answer.
-void catchPackages(QFileDialog& dialog, QString& chosen)
-{
-    dialog.setOption(QFileDialog::DontUseNativeDialog);
-    dialog.setIconProvider(new PackageIconProvider);
-    QObject::connect(&dialog, &QFileDialog::directoryEntered, &dialog, [&dialog, &chosen](const QString& folder) {
-        if (!PackageFileDialog::isPackagePath(folder))
+/// A file dialog in which a package is a file: choosing one, by a double click, by
+/// Enter on its name or by the accept button, ends the dialog with it and never
+/// browses into it; ordinary folders are browsed as usual. The save dialog's accept
+/// button says "Save" whenever its name is not an ordinary folder.
+class PackageDialog : public QFileDialog {
+public:
+    PackageDialog(QWidget* parent, const QString& caption, AcceptMode mode)
+        : QFileDialog(parent, caption)
+    {
+        setOption(QFileDialog::DontUseNativeDialog);
+        static PackageIconProvider icons;
+        setIconProvider(&icons);
+        setAcceptMode(mode);
+        setNameFilter(dialogText(QT_TRANSLATE_NOOP("PackageFileDialog", "Plyra documents (*.plyra)")));
+        connect(this, &QFileDialog::directoryEntered, this, [this](const QString& folder) {
+            if (PackageFileDialog::isPackagePath(folder))
+                choose(folder);
+        });
+        if (mode == AcceptSave)
+            keepSaveLabel();
+    }
+
+    /// The package chosen, or empty when the dialog ended with a name that is none.
+    const QString& chosenPackage() const { return m_chosen; }
+
+    void accept() override
+    {
+        const QStringList files = selectedFiles();
+        const QString named = files.isEmpty() ? QString() : files.constFirst();
+        if (PackageFileDialog::isPackagePath(named))
+            return choose(named);
+        if (acceptMode() == AcceptSave && !named.isEmpty() && PackageFileDialog::isPackagePath(PackageFileDialog::withPackageExtension(named)))
+            return choose(PackageFileDialog::withPackageExtension(named));
+        QFileDialog::accept();
+    }
+
+private:
+    void choose(const QString& package)
+    {
+        m_chosen = QDir::cleanPath(package);
+        setDirectory(QFileInfo(m_chosen).absolutePath());
+        QDialog::done(QDialog::Accepted);
+    }
+
+    // The dialog names its button "Open" while the name is a folder; a package is a file.
+    void keepSaveLabel()
+    {
+        auto* buttons = findChild<QDialogButtonBox*>(QStringLiteral("buttonBox"));
+        auto* name = findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        if (!buttons || !name)
             return;
-        chosen = QDir::cleanPath(folder);
-        dialog.setDirectory(QFileInfo(chosen).absolutePath());
-        static_cast<QDialog&>(dialog).done(QDialog::Accepted);
-    });
-}
+        auto relabel = [this, buttons, name] {
+            const QString typed = QDir(directory()).filePath(name->text());
+            const bool folder = !name->text().isEmpty() && QFileInfo(typed).isDir() && !PackageFileDialog::isPackagePath(typed);
+            for (QAbstractButton* button : buttons->buttons())
+                if (buttons->buttonRole(button) == QDialogButtonBox::AcceptRole && !folder)
+                    button->setText(dialogText(QT_TRANSLATE_NOOP("PackageFileDialog", "&Save")));
+        };
+        // Connected after the dialog's own updates of the button, so it runs after them.
+        connect(name, &QLineEdit::textChanged, this, relabel);
+        connect(this, &QFileDialog::currentChanged, this, relabel);
+        connect(this, &QFileDialog::directoryEntered, this, relabel);
+        relabel();
+    }
+
+    QString m_chosen;
+};
 
 } // namespace
 
@@ -61,23 +117,18 @@ QString PackageFileDialog::withPackageExtension(const QString& path)
 
 QString PackageFileDialog::getOpenPackageName(QWidget* parent, const QString& startFolder)
 {
-    QFileDialog dialog(parent, dialogText(QT_TRANSLATE_NOOP("PackageFileDialog", "Open Document")), startFolder);
+    PackageDialog dialog(parent, dialogText(QT_TRANSLATE_NOOP("PackageFileDialog", "Open Document")), QFileDialog::AcceptOpen);
+    dialog.setDirectory(startFolder);
     dialog.setFileMode(QFileDialog::ExistingFile);
-    dialog.setNameFilter(dialogText(QT_TRANSLATE_NOOP("PackageFileDialog", "Plyra documents (*.plyra)")));
-    dialog.setAcceptMode(QFileDialog::AcceptOpen);
-    QString chosen;
-    catchPackages(dialog, chosen);
     if (dialog.exec() != QDialog::Accepted)
         return {};
-    return chosen;
+    return dialog.chosenPackage();
 }
 
 QString PackageFileDialog::getSavePackageName(QWidget* parent, const QString& startPath)
 {
-    QFileDialog dialog(parent, dialogText(QT_TRANSLATE_NOOP("PackageFileDialog", "Save Document")));
+    PackageDialog dialog(parent, dialogText(QT_TRANSLATE_NOOP("PackageFileDialog", "Save Document")), QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setNameFilter(dialogText(QT_TRANSLATE_NOOP("PackageFileDialog", "Plyra documents (*.plyra)")));
     dialog.setDefaultSuffix(QString::fromLatin1(kExtension));
     // The dialog's own question is about files; packages are asked about below.
     dialog.setOption(QFileDialog::DontConfirmOverwrite);
@@ -85,10 +136,9 @@ QString PackageFileDialog::getSavePackageName(QWidget* parent, const QString& st
     dialog.setDirectory(start.isDir() && !isPackagePath(startPath) ? startPath : start.absolutePath());
     if (!start.isDir() || isPackagePath(startPath))
         dialog.selectFile(start.fileName());
-    QString chosen;
-    catchPackages(dialog, chosen);
     if (dialog.exec() != QDialog::Accepted)
         return {};
+    QString chosen = dialog.chosenPackage();
     if (chosen.isEmpty() && !dialog.selectedFiles().isEmpty())
         chosen = dialog.selectedFiles().constFirst();
     if (chosen.isEmpty())

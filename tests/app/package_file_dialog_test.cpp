@@ -3,6 +3,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QDialogButtonBox>
 #include <QDir>
 #include <QFileDialog>
 #include <QLineEdit>
@@ -43,6 +44,19 @@ static void whenDialogOpens(std::function<void(QFileDialog&)> act)
         QVERIFY(dialog);
         act(*dialog);
     });
+}
+
+// Clicks the answer of the next question box, once it shows.
+static void answerNextQuestion(QMessageBox::StandardButton answer)
+{
+    auto* poll = new QTimer(qApp);
+    QObject::connect(poll, &QTimer::timeout, poll, [poll, answer] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+            box->button(answer)->click();
+            poll->deleteLater();
+        }
+    });
+    poll->start(20);
 }
 
 class PackageFileDialogTest : public QObject {
@@ -92,19 +106,34 @@ private slots:
         for (const auto answer : {QMessageBox::Cancel, QMessageBox::Yes}) {
             whenDialogOpens([answer](QFileDialog& dialog) {
                 // The question comes once the dialog has closed.
-                auto* poll = new QTimer(qApp);
-                QObject::connect(poll, &QTimer::timeout, poll, [poll, answer] {
-                    if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
-                        box->button(answer)->click();
-                        poll->deleteLater();
-                    }
-                });
-                poll->start(20);
+                answerNextQuestion(answer);
                 doubleClickEntry(dialog, QStringLiteral("portrait.plyra")); // choosing the existing package
             });
             const QString chosen = PackageFileDialog::getSavePackageName(nullptr, m_dir.path());
             QCOMPARE(chosen, answer == QMessageBox::Yes ? QDir::cleanPath(m_package) : QString());
         }
+    }
+
+    void enterOnAPackageNameTakesThePackageAndNeverEntersIt()
+    {
+        // Save As proposes the document's own package: Enter asks to replace it.
+        whenDialogOpens([](QFileDialog& dialog) {
+            auto* name = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+            auto* buttons = dialog.findChild<QDialogButtonBox*>(QStringLiteral("buttonBox"));
+            QVERIFY(name && buttons);
+            QTRY_COMPARE(name->text(), QStringLiteral("portrait.plyra"));
+            QCOMPARE(buttons->buttons().constFirst()->text(), QStringLiteral("&Save"));
+            answerNextQuestion(QMessageBox::Yes);
+            QTest::keyClick(name, Qt::Key_Return);
+        });
+        QCOMPARE(PackageFileDialog::getSavePackageName(nullptr, m_package), QDir::cleanPath(m_package));
+        whenDialogOpens([](QFileDialog& dialog) {
+            auto* name = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+            QVERIFY(name);
+            name->setText(QStringLiteral("portrait.plyra"));
+            QTest::keyClick(name, Qt::Key_Return);
+        });
+        QCOMPARE(PackageFileDialog::getOpenPackageName(nullptr, m_dir.path()), QDir::cleanPath(m_package));
     }
 
     void packagePaths()

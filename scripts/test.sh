@@ -26,7 +26,7 @@ ctest --test-dir build --output-on-failure -j "$jobs" --timeout 300
 
 # Test suites of the readers of files (property lists, colour archives, packages, fuzz
 # regressions) and of the code that runs on several threads.
-parsers='HostileFile|LargeImage|PropertyList|OpenStep|ColorArchive|ArchivedColor|FuzzRegression|DocumentPackage|TiffIo|MorphLineStoredForm|StringTable|MovieFile|CliOptions|PlyraRender'
+parsers='HostileFile|PackageHostile|FolderCarryOver|LargeImage|PropertyList|OpenStep|ColorArchive|ArchivedColor|FuzzRegression|DocumentPackage|TiffIo|MorphLineStoredForm|StringTable|MovieFile|CliOptions|PlyraRender'
 threads='FrameConversionQueue|ConditionLock|MorphCalculationJob|Morpher|ImageRenderer|AsyncMovieWriter|FramePixels|FrameRender|MovieRender|SampleCoords'
 sanitized_targets=(platform_tests model_tests engine_tests render_tests cli_tests)
 

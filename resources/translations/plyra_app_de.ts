@@ -445,7 +445,7 @@
     </message>
     <message>
         <source>A document cannot be saved inside its own package.</source>
-        <translation>Ein Dokument kann nicht in seinem eigenen Paket gesichert werden.</translation>
+        <translation>Ein Dokument kann nicht in seinem eigenen Paket gespeichert werden.</translation>
     </message>
 </context>
 <context>

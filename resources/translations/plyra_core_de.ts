@@ -42,6 +42,14 @@
         <source>The document “%1” could not be read: “%2” does not hold a dictionary.</source>
         <translation>Das Dokument „%1“ konnte nicht gelesen werden: „%2“ enthält kein Wörterbuch.</translation>
     </message>
+    <message>
+        <source>Could not keep the image “%1” in the saved package: %2</source>
+        <translation>Das Bild „%1“ konnte nicht im gespeicherten Paket behalten werden: %2</translation>
+    </message>
+    <message>
+        <source>Could not carry “%1” over into the saved package: %2</source>
+        <translation>„%1“ konnte nicht in das gespeicherte Paket übernommen werden: %2</translation>
+    </message>
 </context>
 <context>
     <name>FileKind</name>
@@ -308,6 +316,10 @@
     <message>
         <source>Could not move the new “%1” into place: %2</source>
         <translation>Das neue „%1“ konnte nicht an seinen Platz gebracht werden: %2</translation>
+    </message>
+    <message>
+        <source>Could not write “%1” to the disk: %2</source>
+        <translation>„%1“ konnte nicht auf die Festplatte geschrieben werden: %2</translation>
     </message>
 </context>
 <context>

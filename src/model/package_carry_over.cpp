@@ -63,7 +63,7 @@ bool PackageCarryOver::keepImages(const PackageContents& contents, const StagedD
         QDir().mkpath(QFileInfo(target).absolutePath());
         if (const int code = FolderCarryOver::carryEntry(localPath(kept.source), localPath(target))) {
             logLine(formatString("Failed to keep image %s", localPath(kept.source).c_str()));
-            return fail(error, text("Could not keep the image “%1” in the saved package: %2")
+            return fail(error, text(QT_TRANSLATE_NOOP("DocumentPackage", "Could not keep the image “%1” in the saved package: %2"))
                                    .arg(kept.source, QString::fromLocal8Bit(std::strerror(code))));
         }
     }
@@ -87,7 +87,7 @@ bool PackageCarryOver::carryForeignEntries(const PackageContents& contents, cons
         return true;
     const QString entry = QDir(previous).filePath(QFile::decodeName(QByteArray::fromStdString(failure->path)));
     logLine(formatString("Plyra could not carry %s over into the saved package", localPath(entry).c_str()));
-    return fail(error, text("Could not carry “%1” over into the saved package: %2")
+    return fail(error, text(QT_TRANSLATE_NOOP("DocumentPackage", "Could not carry “%1” over into the saved package: %2"))
                            .arg(entry, QString::fromLocal8Bit(failure->reason.c_str())));
 }
 

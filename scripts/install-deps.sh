@@ -11,7 +11,7 @@ packages=(
   libgl-dev libxkbcommon-dev
   libavformat-dev libavcodec-dev libavfilter-dev libavutil-dev libswscale-dev ffmpeg
   libtiff-dev libplist-dev libpoppler-qt6-dev
-  libhwy-dev libtbb-dev
+  libhwy-dev libtbb-dev libeigen3-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   clang libclang-rt-14-dev
   libopencv-dev

@@ -69,6 +69,10 @@ public:
     Ptr attachedLineAtStart() const { return m_attachedLineAtStart.lock(); }
     Ptr attachedLineAtEnd() const { return m_attachedLineAtEnd; }
 
+    /// Whether moving a point from one place to the other is a change to the setters:
+    /// they store a smaller move but neither pass it on to a joined line nor record it.
+    static bool isPointMove(Point from, Point to);
+
     // Undoable edits. With no undo manager nothing is registered.
     void setStartPoint(Point p, unsigned track, UndoManager* undo);
     void setEndPoint(Point p, unsigned track, UndoManager* undo);

@@ -31,13 +31,18 @@ void MorphLine::registerUndo(UndoManager* undo, std::function<void(MorphLine&)> 
 
 // ---- points ------------------------------------------------------------------------
 
+bool MorphLine::isPointMove(Point from, Point to)
+{
+    const float dx = from.x - to.x;
+    const float dy = from.y - to.y;
+    return static_cast<double>(dx * dx + dy * dy) > kMoveThreshold;
+}
+
 void MorphLine::setStartPoint(Point p, unsigned track, UndoManager* undo)
 {
     const Point old = m_startPoints[entry(track)];
     m_startPoints[entry(track)] = p;
-    const float dx = old.x - p.x;
-    const float dy = old.y - p.y;
-    if (!(static_cast<double>(dx * dx + dy * dy) > kMoveThreshold))
+    if (!isPointMove(old, p))
         return;
     // The joined end follows; its own call comes back here and stops, the point being
     // in place already.
@@ -53,9 +58,7 @@ void MorphLine::setEndPoint(Point p, unsigned track, UndoManager* undo)
 {
     const Point old = m_endPoints[entry(track)];
     m_endPoints[entry(track)] = p;
-    const float dx = old.x - p.x;
-    const float dy = old.y - p.y;
-    if (!(static_cast<double>(dx * dx + dy * dy) > kMoveThreshold))
+    if (!isPointMove(old, p))
         return;
     if (Ptr next = m_attachedLineAtEnd)
         next->setStartPoint(p, track, undo);

@@ -18,6 +18,8 @@ namespace {
     QT_TRANSLATE_NOOP("UndoAction", "Disconnect line"),
     QT_TRANSLATE_NOOP("UndoAction", "Create lines"),
     QT_TRANSLATE_NOOP("UndoAction", "Add Face Lines"),
+    QT_TRANSLATE_NOOP("UndoAction", "Transform Lines"),
+    QT_TRANSLATE_NOOP("UndoAction", "Flip Lines"),
 };
 
 } // namespace

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "editor/draw_lines_gesture.h"
 
+#include "editor/counterpart_placement.h"
 #include "editor/editor_commands.h"
 #include "model/morph_editor_data_source.h"
 #include "platform/undo_manager.h"
@@ -14,6 +15,8 @@ DrawLinesGesture::DrawLinesGesture(const EditorContext& context, const GestureEv
     , m_anchor(press.location)
     , m_rubberBand(press.location)
 {
+    if (context.predictsCounterparts)
+        m_counterparts.emplace(counterpartsFrom(*context.dataSource, context.track, context.dataSource->morphLines()));
 }
 
 std::optional<LineEnds> DrawLinesGesture::overlay() const
@@ -59,14 +62,15 @@ bool DrawLinesGesture::place(Point p, bool release)
 
 MorphLine::Ptr DrawLinesGesture::makeLine(Point start, Point end) const
 {
-    // The same position on both images; no undo for a line that is not in the document yet.
+    // No undo for a line that is not in the document yet.
     const MorphLine::Ptr line = MorphLine::create();
     const Point unitStart = m_context.mapping.toUnit(start);
     const Point unitEnd = m_context.mapping.toUnit(end);
-    for (unsigned track : {m_context.track, otherTrack(m_context.track)}) {
-        line->setStartPoint(unitStart, track, nullptr);
-        line->setEndPoint(unitEnd, track, nullptr);
-    }
+    line->setStartPoint(unitStart, m_context.track, nullptr);
+    line->setEndPoint(unitEnd, m_context.track, nullptr);
+    const unsigned other = otherTrack(m_context.track);
+    line->setStartPoint(m_counterparts ? m_counterparts->counterpart(unitStart) : unitStart, other, nullptr);
+    line->setEndPoint(m_counterparts ? m_counterparts->counterpart(unitEnd) : unitEnd, other, nullptr);
     return line;
 }
 

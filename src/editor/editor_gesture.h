@@ -33,6 +33,8 @@ public:
     virtual std::optional<LineEnds> overlay() const { return std::nullopt; }
     /// The dashed selection rectangle; empty outside a rectangle drag.
     virtual ViewRect selectionRect() const { return {}; }
+    /// Whether the selection's transform frame stays shown while the gesture runs.
+    virtual bool showsTransformFrame() const { return false; }
 
 protected:
     explicit EditorGesture(const EditorContext& context)

@@ -2,6 +2,7 @@
 #include "editor/editor_painter.h"
 
 #include "editor/scaled_image_cache.h"
+#include "editor/transform_frame.h"
 
 #include <QGuiApplication>
 #include <QPainter>
@@ -81,6 +82,7 @@ void EditorPainter::paint(QPainter& painter, const QRegion& dirty, const EditorS
             outlinePen(scene.lineColor), line);
     }
     paintSelectionRect(painter, scene);
+    paintTransformFrame(painter, scene);
     painter.restore();
     if (scene.dropHighlight || scene.focusFrame) {
         const qreal width = scene.dropHighlight ? 3.0 : 2.0;
@@ -140,6 +142,36 @@ void EditorPainter::paintSelectionRect(QPainter& painter, const EditorScene& sce
     painter.setPen(pen);
     painter.setBrush(Qt::NoBrush);
     painter.drawRect(scene.mapping.toWidget(scene.selectionRect));
+}
+
+void EditorPainter::paintTransformFrame(QPainter& painter, const EditorScene& scene)
+{
+    if (!scene.transformFrame)
+        return;
+    const TransformFrame frame(*scene.transformFrame);
+    const QColor rim = KnobImages::contrastingColor(scene.lineColor);
+    // Crisp: the box and the handles sit on whole pixels.
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    QPen dashes(scene.lineColor, 1.0, Qt::DashLine);
+    dashes.setDashPattern({4.0, 3.0});
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(rim, 1.0));
+    painter.drawRect(scene.mapping.toWidget(frame.box()));
+    painter.setPen(dashes);
+    painter.drawRect(scene.mapping.toWidget(frame.box()));
+    painter.setPen(QPen(rim, 1.0));
+    painter.setBrush(scene.lineColor);
+    const qreal side = 2.0 * TransformFrame::kHandleReach - 3.0;
+    for (int i = 0; i < 8; ++i) {
+        const QPointF centre = scene.mapping.toWidget(frame.handlePosition(static_cast<FrameHandle>(i)));
+        painter.drawRect(QRectF(centre.x() - side / 2.0, centre.y() - side / 2.0, side, side));
+    }
+    painter.setRenderHint(QPainter::Antialiasing, true);
+}
+
+QRect EditorPainter::transformFrameArea(const ViewMapping& mapping, ViewRect box)
+{
+    return grownWidgetRect(mapping.toWidget(box), TransformFrame::kHandleReach + 2.0);
 }
 
 void EditorPainter::paintHint(QPainter& painter, const QRegion& dirty, const EditorScene& scene)

@@ -36,6 +36,8 @@ struct EditorScene {
     QColor hintColor;
     std::optional<LineEnds> overlay;
     ViewRect selectionRect;
+    /// The box of the selection's transform frame, drawn with its eight handles.
+    std::optional<ViewRect> transformFrame;
     /// The part of the view that can be seen, in widget coordinates.
     QRect visibleRect;
     /// A frame around the visible part while a usable file is dragged over the view.
@@ -46,8 +48,8 @@ struct EditorScene {
 
 /// Draws an editor: background, image or faint other image with the drop hint, every
 /// line at the track's time with a thin contrasting outline, the knobs of selected
-/// lines right after each line, the gesture's segment and the dashed selection
-/// rectangle. Lines whose box (grown by 4 units, by a knob's reach when selected) misses
+/// lines right after each line, the gesture's segment, the dashed selection rectangle
+/// and the transform frame with its handles. Lines whose box (grown by 4 units, by a knob's reach when selected) misses
 /// the dirty region are skipped.
 /// Threads: main thread only.
 class EditorPainter {
@@ -61,6 +63,8 @@ public:
     static QRect segmentRect(const ViewMapping& mapping, const LineEnds& ends);
     /// The widget region that the dashed outline of rect covers; empty for an empty rect.
     static QRect selectionRectArea(const ViewMapping& mapping, ViewRect rect);
+    /// The widget region that a transform frame with its handles covers.
+    static QRect transformFrameArea(const ViewMapping& mapping, ViewRect box);
     /// The hint's rectangle: the bounds inset by 50 units left and right, 100 top and bottom.
     static QRectF hintRect(const ViewMapping& mapping);
     /// Line colour blended half and half with half-transparent middle grey.
@@ -70,6 +74,7 @@ private:
     void paintLines(QPainter& painter, const QRegion& dirty, const EditorScene& scene);
     void paintKnobs(QPainter& painter, const LineEnds& ends, const EditorScene& scene);
     void paintSelectionRect(QPainter& painter, const EditorScene& scene);
+    void paintTransformFrame(QPainter& painter, const EditorScene& scene);
     void paintHint(QPainter& painter, const QRegion& dirty, const EditorScene& scene);
 
     KnobImages m_knobs;

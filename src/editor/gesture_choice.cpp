@@ -6,6 +6,7 @@
 #include "editor/editor_commands.h"
 #include "editor/move_lines_gesture.h"
 #include "editor/selection_gesture.h"
+#include "editor/transform_handles_gesture.h"
 #include "model/morph_editor_data_source.h"
 
 namespace plyra {
@@ -36,6 +37,19 @@ std::unique_ptr<EditorGesture> chooseLeftButtonGesture(const EditorContext& cont
     return std::make_unique<MoveLinesGesture>(context, press, ends.start, std::move(moving));
 }
 
+// A press on a handle of the selection's frame, before any other left-button gesture.
+std::unique_ptr<EditorGesture> chooseTransformGesture(const EditorContext& context, const GestureEvent& press)
+{
+    const std::optional<TransformFrame> frame
+        = TransformFrame::ofSelection(*context.dataSource, context.track, context.mapping);
+    if (!frame)
+        return nullptr;
+    const std::optional<FrameHit> hit = frame->hit(press.location);
+    if (!hit)
+        return nullptr;
+    return std::make_unique<TransformHandlesGesture>(context, press, *frame, *hit);
+}
+
 } // namespace
 
 std::unique_ptr<EditorGesture> chooseGesture(const EditorContext& context, const GestureEvent& press)
@@ -43,9 +57,11 @@ std::unique_ptr<EditorGesture> chooseGesture(const EditorContext& context, const
     using Type = GestureEvent::Type;
     if (press.type == Type::RightDown || (press.type == Type::LeftDown && press.modifiers.testFlag(Qt::MetaModifier)))
         return std::make_unique<SelectionGesture>(context, press);
-    if (press.type == Type::LeftDown)
-        return chooseLeftButtonGesture(context, press);
-    return nullptr;
+    if (press.type != Type::LeftDown)
+        return nullptr;
+    if (std::unique_ptr<EditorGesture> transform = chooseTransformGesture(context, press))
+        return transform;
+    return chooseLeftButtonGesture(context, press);
 }
 
 } // namespace plyra

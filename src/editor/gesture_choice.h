@@ -8,7 +8,8 @@
 namespace plyra {
 
 /// Chooses the gesture that a press starts: the right button, or the left one with Meta
-/// held, selects; Alt alone draws; near a line's start or end drags that point; near
+/// held, selects; a left press on a handle of the selection's transform frame
+/// transforms, whatever else lies there; Alt alone draws; near a line's start or end drags that point; near
 /// the line elsewhere (or anywhere with Shift alone) moves lines; elsewhere draws.
 /// Null for an event that is not a press. The data source must be set.
 std::unique_ptr<EditorGesture> chooseGesture(const EditorContext& context, const GestureEvent& press);

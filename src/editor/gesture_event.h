@@ -30,13 +30,15 @@ inline Qt::KeyboardModifiers gestureModifiers(Qt::KeyboardModifiers modifiers)
     return modifiers & (Qt::ShiftModifier | Qt::AltModifier | Qt::ControlModifier);
 }
 
-/// What a gesture works on: the editor's document, its track and its current size.
+/// What a gesture works on: the editor's document, its track and its current size,
+/// and whether new lines take predicted places in the other track.
 /// The editor owns it and keeps it current; gestures hold a reference for their life.
 /// Threads: main thread.
 struct EditorContext {
     MorphEditorDataSource* dataSource = nullptr;
     unsigned track = 0;
     ViewMapping mapping;
+    bool predictsCounterparts = true;
 };
 
 } // namespace plyra

@@ -127,6 +127,7 @@ void MorphEditor::syncLines()
         m_context.track, m_context.mapping);
     if (!changed.isEmpty())
         update(changed);
+    updateTransformFrame();
     updateAccessibleDescription();
 }
 
@@ -167,6 +168,8 @@ EditorScene MorphEditor::scene(const QRect& visible)
         scene.overlay = m_gesture->overlay();
         scene.selectionRect = m_gesture->selectionRect();
     }
+    if (const std::optional<TransformFrame> frame = shownTransformFrame())
+        scene.transformFrame = frame->box();
     if (m_dropHighlight)
         scene.dropHighlight = palette().color(QPalette::Highlight);
     else if (hasFocus())
@@ -261,6 +264,8 @@ void MorphEditor::mouseMoveEvent(QMouseEvent* event)
 {
     if (m_gesture)
         dispatch(gestureEvent(*event, false));
+    else
+        updateHoverCursor(m_context.mapping.fromWidget(event->position()));
 }
 
 void MorphEditor::mouseReleaseEvent(QMouseEvent* event)
@@ -371,6 +376,7 @@ void MorphEditor::endGesture()
     m_context.dataSource->undoManager().endUndoGrouping();
     setMouseTracking(m_savedMouseTracking);
     update();
+    updateTransformFrame();
 }
 
 void MorphEditor::finishGesture()

@@ -6,6 +6,7 @@
 #include "editor/line_damage.h"
 #include "editor/nudge_steps.h"
 #include "editor/scaled_image_cache.h"
+#include "editor/transform_frame.h"
 #include "model/line_color.h"
 
 #include <QRectF>
@@ -13,6 +14,7 @@
 #include <QWidget>
 
 #include <memory>
+#include <optional>
 
 class QAbstractScrollArea;
 
@@ -44,6 +46,11 @@ public:
     /// Not owned: set none (or another) before the document goes away. Ends a gesture
     /// in progress on the old one.
     void setDataSource(MorphEditorDataSource* dataSource);
+
+    /// Whether a new line takes the place in the other track that the lines already drawn
+    /// predict (on by default); otherwise it takes the same place there.
+    bool predictsCounterparts() const { return m_context.predictsCounterparts; }
+    void setPredictsCounterparts(bool predicts) { m_context.predictsCounterparts = predicts; }
 
     /// Whether a mouse gesture runs (a drag, or a chain of lines being drawn).
     bool isGestureActive() const { return m_gesture != nullptr; }
@@ -79,6 +86,12 @@ public slots:
     /// Sizes the editor to the largest size of its image's aspect ratio that fits the
     /// enclosing scroll area, then centres the selection. Nothing without an image.
     void sizeToFit();
+    /// Mirrors the selected points of this editor's track about the vertical centre line
+    /// of their box (one undo step).
+    void flipSelectionHorizontally();
+    /// Moves the selected lines' points in the other editor to where the unselected
+    /// lines predict them from this editor's track (one undo step "Move Line").
+    void placeSelectionByPrediction();
     /// Makes the file this editor's image, as dropping it does: true when it was read;
     /// otherwise the document is unchanged and the reason goes to the status bar.
     bool useImageFile(const QString& path);
@@ -133,6 +146,12 @@ private:
     void endGesture();
     void updateOverlay();
     bool claimsKey(int key) const;
+    /// The selection's transform frame as the editor shows it now: none for fewer than
+    /// two selected lines, and none while another gesture runs.
+    std::optional<TransformFrame> shownTransformFrame() const;
+    /// Repaints where the frame was and is, and tracks the pointer over it for the cursor.
+    void updateTransformFrame();
+    void updateHoverCursor(Point p);
 
     QAbstractScrollArea* scrollArea() const;
     void scrollTo(double x, double y);
@@ -142,6 +161,7 @@ private:
     std::unique_ptr<EditorGesture> m_gesture;
     bool m_savedMouseTracking = false;
     QRect m_overlayArea;
+    QRect m_transformFrameArea;
     LineDamage m_damage;
     ScaledImageCache m_imageCache;
     EditorPainter m_painter;

@@ -160,7 +160,7 @@ void reportAccuracy(const QImage& photo, const char* writePairTo)
                     errors.push_back(std::hypot((q.x - pair.last[k].x) * w, (q.y - pair.last[k].y) * h));
                 }
             const double median = percentile(errors, 0.5), p95 = percentile(errors, 0.95);
-            std::printf("%-22s %6d %10.4f %10.4f %9.3f%% %9.3f%%\n", bulge ? "similarity + bulge" : "similarity",
+            std::printf("%-22s %6d %10.3g %10.3g %9.3g%% %9.3g%%\n", bulge ? "similarity + bulge" : "similarity",
                 known, median, p95, 100.0 * median / diagonal, 100.0 * p95 / diagonal);
         }
     }

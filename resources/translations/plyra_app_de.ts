@@ -242,6 +242,14 @@
         <source>Add Face Lines</source>
         <translation>Gesichtslinien hinzufügen</translation>
     </message>
+    <message>
+        <source>Transform Lines</source>
+        <translation>Linien transformieren</translation>
+    </message>
+    <message>
+        <source>Flip Lines</source>
+        <translation>Linien spiegeln</translation>
+    </message>
 </context>
 <context>
     <name>WindowActions</name>
@@ -392,6 +400,18 @@
     <message>
         <source>I&amp;nspector</source>
         <translation>&amp;Inspektor</translation>
+    </message>
+    <message>
+        <source>&amp;Predict Counterparts</source>
+        <translation>Gegenstü&amp;cke vorhersagen</translation>
+    </message>
+    <message>
+        <source>Place Selection by Predi&amp;ction</source>
+        <translation>Auswahl &amp;per Vorhersage platzieren</translation>
+    </message>
+    <message>
+        <source>Flip Selection &amp;Horizontally</source>
+        <translation>Auswahl &amp;horizontal spiegeln</translation>
     </message>
 </context>
 <context>

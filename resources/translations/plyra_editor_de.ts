@@ -26,6 +26,14 @@
         <source>Create lines</source>
         <translation>Linien erstellen</translation>
     </message>
+    <message>
+        <source>Flip Lines</source>
+        <translation>Linien spiegeln</translation>
+    </message>
+    <message>
+        <source>Transform Lines</source>
+        <translation>Linien transformieren</translation>
+    </message>
 </context>
 <context>
     <name>plyra::MorphEditor</name>

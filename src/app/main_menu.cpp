@@ -62,6 +62,8 @@ void buildMainMenu(QMenuBar* bar, WindowActions& actions, ApplicationCommands& c
     addActions(edit, actions, {Command::Delete, Command::SelectAll, Command::SelectNone, Command::SelectAttached});
     edit->addSeparator();
     addActions(edit, actions, {Command::AddFaceLines});
+    addActions(edit, actions, {Command::PredictCounterparts, Command::PlaceSelectionByPrediction,
+        Command::FlipSelectionHorizontally});
 
     QMenu* view = bar->addMenu(menuText(QT_TRANSLATE_NOOP("MainMenu", "&View")));
     view->setObjectName(QStringLiteral("viewMenu"));

@@ -3,6 +3,7 @@
 
 #include "app/application_commands.h"
 #include "app/document_render_windows.h"
+#include "app/counterpart_prediction_toggle.h"
 #include "app/document_toolbar.h"
 #include "app/editor_zoom.h"
 #include "app/face_lines_command.h"
@@ -168,6 +169,9 @@ void MorphEditorWindowController::buildActions()
     a.setHandler(Command::SelectNone, [this] { finishGestures(); focusedEditor()->selectNone(); });
     a.setHandler(Command::SelectAttached, [this] { finishGestures(); focusedEditor()->selectAttachedLines(); });
     a.setHandler(Command::AddFaceLines, [this] { finishGestures(); m_faceLines->run(); });
+    new CounterpartPredictionToggle(a.action(Command::PredictCounterparts), {m_firstEditor, m_lastEditor}, this);
+    a.setHandler(Command::PlaceSelectionByPrediction, [this] { finishGestures(); focusedEditor()->placeSelectionByPrediction(); });
+    a.setHandler(Command::FlipSelectionHorizontally, [this] { finishGestures(); focusedEditor()->flipSelectionHorizontally(); });
     a.setHandler(Command::ZoomIn, [this] { zoomInEditors(); });
     a.setHandler(Command::ZoomOut, [this] { zoomOutEditors(); });
     a.setHandler(Command::ZoomToFit, [this] { finishGestures(); m_zoom->zoomToFit(); });
@@ -198,6 +202,8 @@ void MorphEditorWindowController::buildActions()
     a.setEnabledRule(Command::SelectNone, [selection] { return !selection().empty(); });
     a.setEnabledRule(Command::SelectAttached, [this] { return canSelectAttached(); });
     a.setEnabledRule(Command::AddFaceLines, [this] { return FaceLinesCommand::isAvailable() && hasAnyImage() && !m_faceLines->isRunning(); });
+    a.setEnabledRule(Command::PlaceSelectionByPrediction, [selection] { return !selection().empty(); });
+    a.setEnabledRule(Command::FlipSelectionHorizontally, [selection] { return !selection().empty(); });
     a.setEnabledRule(Command::ZoomIn, [this] { return hasAnyImage(); });
     a.setEnabledRule(Command::ZoomOut, [this] { return hasAnyImage(); });
     a.setEnabledRule(Command::ZoomToFit, [this] { return hasAnyImage(); });

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/plyra_application.h"
 
+#include "app/counterpart_prediction_toggle.h"
 #include "app/document_manager.h"
 #include "app/document_prompts.h"
 #include "app/help_window.h"
@@ -69,6 +70,7 @@ void PlyraApplication::configure(QApplication& application)
     installTranslations(QLocale().uiLanguages());
     MorphAppController::registerDefaults();
     TexturedBackground::registerDefault();
+    CounterpartPredictionToggle::registerDefault();
 }
 
 QString PlyraApplication::installTranslations(const QStringList& languages)

@@ -15,6 +15,7 @@ namespace plyra {
 enum class Command {
     NewDocument, Open, ChooseFirstImage, ChooseLastImage, Close, Save, SaveAs, Revert, Quit,
     Undo, Redo, Delete, SelectAll, SelectNone, SelectAttached, AddFaceLines,
+    PredictCounterparts, PlaceSelectionByPrediction, FlipSelectionHorizontally,
     ZoomIn, ZoomOut, ZoomToFit, ActualSize, CenterSelection, TogglePreview, ToggleInspector, ShowInspector, ShowColors, CustomizeToolbar,
     RenderImage, RenderMovie,
     HelpContents, HelpGettingStarted, HelpEditors, HelpTiming, HelpRendering, CheckForUpdates, About,

@@ -4,21 +4,9 @@ image with the mouse, choose another last image from the File menu by keys, save
 Ctrl+S, quit with Ctrl+Q; the saved package then holds one line more and the new image."""
 
 import os
-import struct
 import sys
-import zlib
 
-from e2e_support import Accessibility, E2EError, Plyra, copy_demo, main, render_info, wait_for
-
-
-def write_png(path, width, height):
-    """A plain grey-gradient PNG, written without any imaging library."""
-    def chunk(kind, data):
-        return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
-    rows = b"".join(b"\0" + bytes(x * 255 // width for x in range(width) for _ in range(3)) for _ in range(height))
-    with open(path, "wb") as out:
-        out.write(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 2, 0, 0, 0))
-                  + chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b""))
+from e2e_support import Accessibility, E2EError, Plyra, copy_demo, main, render_info, wait_for, write_png
 
 
 def test(display, scratch, binary, render_binary, demo):

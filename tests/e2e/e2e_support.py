@@ -6,10 +6,12 @@ bus (AT-SPI), screenshots for failures. Used by the end-to-end tests in this fol
 import json
 import os
 import shutil
+import struct
 import subprocess
 import sys
 import tempfile
 import time
+import zlib
 
 
 class E2EError(AssertionError):
@@ -202,6 +204,16 @@ def jpeg_size(path):
             return int.from_bytes(data[i + 7:i + 9], "big"), int.from_bytes(data[i + 5:i + 7], "big")
         i += 2 + length
     raise E2EError(f"{path} has no frame header")
+
+
+def write_png(path, width, height):
+    """A plain grey-gradient PNG, written without any imaging library."""
+    def chunk(kind, data):
+        return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
+    rows = b"".join(b"\0" + bytes(x * 255 // width for x in range(width) for _ in range(3)) for _ in range(height))
+    with open(path, "wb") as out:
+        out.write(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 2, 0, 0, 0))
+                  + chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b""))
 
 
 def render_info(render_binary, package):

@@ -20,6 +20,9 @@ inline constexpr char kMaxSampleInterval[] = "maxSampleInterval";
 inline constexpr char kRecentDocuments[] = "recentDocuments";
 /// Point: where the user last put the inspector panel, on the screen.
 inline constexpr char kInspectorPanelPosition[] = "inspectorPanelPosition";
+/// Boolean, true unless the user says no: a new line takes its predicted place in the
+/// other image.
+inline constexpr char kPredictCounterparts[] = "predictCounterparts";
 /// List of item identifiers under "IDENTIFIER/toolbarItems": the user's arrangement of a
 /// toolbar; IDENTIFIER names the kind of window.
 inline constexpr char kToolbarItems[] = "%1/toolbarItems";

@@ -431,6 +431,26 @@ private slots:
         UserDefaults::standard().remove(QStringLiteral("texturedWindows"));
     }
 
+    void predictCounterpartsIsRememberedAndReachesEveryWindow()
+    {
+        QAction* predict = m_window->actions().action(Command::PredictCounterparts);
+        QVERIFY(predict->isCheckable() && predict->isChecked());
+        QVERIFY(m_window->firstEditor()->predictsCounterparts());
+        MorphEditorWindowController* other = m_app->documents().newDocument();
+        predict->trigger();
+        for (MorphEditorWindowController* window : {m_window, other}) {
+            QVERIFY(!window->actions().action(Command::PredictCounterparts)->isChecked());
+            QVERIFY(!window->firstEditor()->predictsCounterparts() && !window->lastEditor()->predictsCounterparts());
+        }
+        QVERIFY(!UserDefaults::standard().boolean(QStringLiteral("predictCounterparts")));
+        QVERIFY(!m_app->documents().newDocument()->lastEditor()->predictsCounterparts());
+        // The selection commands need a selection.
+        QVERIFY(!enabled(Command::FlipSelectionHorizontally) && !enabled(Command::PlaceSelectionByPrediction));
+        document().setSelectedLines({addLine({0.1f, 0.1f}, {0.2f, 0.3f})});
+        QVERIFY(enabled(Command::FlipSelectionHorizontally) && enabled(Command::PlaceSelectionByPrediction));
+        UserDefaults::standard().remove(QStringLiteral("predictCounterparts"));
+    }
+
     void menusUseStandardShortcuts()
     {
         QCOMPARE(m_window->actions().action(Command::Save)->shortcut(), QKeySequence(QKeySequence::Save));

@@ -1,10 +1,14 @@
 #!/usr/bin/env bash
 # The Debian package, checked without installing it: CPack builds it from the build folder,
 # it is unpacked into a scratch folder, and the unpacked plyra-render renders the demo
-# document. Its name, its declared dependencies and its file list are checked too.
-#   deb_package_test.sh BUILD-DIR
+# document. Its name, its declared dependencies and its file list are checked too. A build
+# with the face networks must ship them with their licence, and the unpacked plyra-render
+# must find them; one without must say that face lines are not available.
+#   deb_package_test.sh BUILD-DIR with-face-networks|without-face-networks
 set -euo pipefail
 build=$1
+face_networks=$2
+photos=$(cd "$(dirname "$0")/../data/photos" && pwd)
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 fail() { echo "FAIL: $*" >&2; exit 1; }
@@ -31,6 +35,13 @@ expected=(
   ./usr/share/plyra/demo/demo.plyra/info.plist
   ./usr/share/doc/plyra/copyright
 )
+face=(./usr/share/plyra/face/face_detection_short_range.onnx ./usr/share/plyra/face/face_landmark.onnx
+  ./usr/share/plyra/face/LICENSE)
+if [[ $face_networks == with-face-networks ]]; then
+  expected+=("${face[@]}")
+elif grep -q '/face/' <<< "$files"; then
+  fail "face networks in the package of a build without them"
+fi
 for path in "${expected[@]}"; do
   grep -qxF "$path" <<< "$files" || fail "$path is not in the package"
 done
@@ -53,4 +64,15 @@ env -u PLYRA_KERNEL_DIR -u PLYRA_RESOURCE_DIR "$root/usr/bin/plyra-render" "$roo
 [[ $(head -c 8 "$scratch/middle.png" | od -An -tx1 | tr -d ' \n') == 89504e470d0a1a0a ]] || fail "no PNG written"
 env -u PLYRA_KERNEL_DIR "$root/usr/bin/plyra-render" "$root/usr/share/plyra/demo/demo.plyra" --info > "$scratch/info.json"
 grep -q '"loaded": true' "$scratch/info.json" || fail "the demo's images did not load: $(cat "$scratch/info.json")"
+
+# Face lines from the unpacked tree: the networks lie in its share/plyra/face.
+faces=(--new "$photos/ast_face.png" "$photos/hopper_face.png" -o "$scratch/faces.plyra" --face-lines --quiet)
+if [[ $face_networks == with-face-networks ]]; then
+  env -u PLYRA_FACE_MODEL_DIR "$root/usr/bin/plyra-render" "${faces[@]}" || fail "the unpacked plyra-render made no face lines"
+  lines=$("$root/usr/bin/plyra-render" "$scratch/faces.plyra" --info | grep -c '"startPoints"' || true)
+  [[ $lines -eq 39 ]] || fail "the unpacked plyra-render made $lines face lines, not 39"
+else
+  message=$(env -u PLYRA_FACE_MODEL_DIR "$root/usr/bin/plyra-render" "${faces[@]}" 2>&1) && fail "--face-lines succeeded without networks"
+  grep -q "face lines are not available in this build" <<< "$message" || fail "--face-lines said: $message"
+fi
 echo "$(basename "$deb"): $(wc -l <<< "$files") entries; Depends: $depends"

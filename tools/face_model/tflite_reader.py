@@ -54,6 +54,7 @@ class Tensor:
     shape: tuple
     dtype: type
     data: np.ndarray = None  # constant tensors only
+    quantized: bool = False  # carries a scale and zero point: integers standing for reals
 
 
 @dataclass
@@ -85,7 +86,8 @@ def _tensor(table, buffers):
     if dtype is None:
         raise ValueError(f"tensor '{table.string(3)}' has a type this reader does not know")
     shape = tuple(int(v) for v in table.array(0, np.int32))
-    tensor = Tensor(table.string(3), shape, dtype)
+    quantization = table.table(4)
+    tensor = Tensor(table.string(3), shape, dtype, quantized=bool(quantization and quantization.array(2, np.float32).size))
     buffer = buffers[table.scalar(2, nt.Uint32Flags)]
     raw = buffer.array(0, np.uint8) if buffer else np.zeros(0, np.uint8)
     if raw.size:

@@ -5,7 +5,11 @@ weights) into an ONNX graph in the NCHW layout that OpenCV's dnn module reads.
 
 TFLite works in NHWC. Image tensors become NCHW here: weights are transposed once, and
 the graph's input is NCHW. Reshapes and the graph's outputs see the data in TFLite's own
-order again (a transpose back to NHWC), so outputs keep TFLite's shapes and values."""
+order again (a transpose back to NHWC), so outputs keep TFLite's shapes and values.
+
+Anything else raises ValueError rather than converting into a graph that computes
+something else: quantised (int8, uint8) tensors, image operators on data that is not a
+four-dimensional image, PReLU slopes that are not one per channel, other paddings."""
 
 import argparse
 import sys
@@ -19,6 +23,7 @@ from tflite_reader import read_model
 ADD, CONCATENATION, CONV_2D, DEPTHWISE_CONV_2D, DEQUANTIZE = 0, 2, 3, 4, 6
 MAX_POOL_2D, RELU, RESHAPE, PAD, PRELU = 17, 19, 22, 34, 54
 NHWC_TO_NCHW_AXIS = {0: 0, 1: 2, 2: 3, 3: 1}
+FLOAT_TYPES = (np.float32, np.float16)
 OPSET = 11
 
 
@@ -95,6 +100,19 @@ class Converter:
             return name
         return self.node("Transpose", [name], name + "_nhwc", perm=[0, 2, 3, 1])
 
+    def image_input(self, op, what):
+        """The NCHW value of the operator's first input, which must be a four-dimensional image."""
+        index = op.inputs[0]
+        if index not in self.nchw or len(self.model.tensors[index].shape) != 4:
+            raise ValueError(f"{what} of '{self.model.tensors[index].name}', which is not an NHWC image")
+        return self.value(index)
+
+    def check_types(self, op):
+        for index in list(op.inputs) + list(op.outputs):
+            tensor = self.model.tensors[index] if index >= 0 else None
+            if tensor and (tensor.quantized or tensor.dtype not in FLOAT_TYPES + (np.int32, np.int64)):
+                raise ValueError(f"tensor '{tensor.name}' is quantised ({np.dtype(tensor.dtype).name}), which is not supported")
+
     # ---- operators ----
     def spatial_padding(self, op, kernel_h, kernel_w, dilation_h=1, dilation_w=1):
         if op.option(0, default=0) == 1:  # VALID
@@ -117,7 +135,7 @@ class Converter:
             kernel = weights.transpose(0, 3, 1, 2)
             group = 1
         out = op.outputs[0]
-        inputs = [self.value(op.inputs[0]), self.initializer(f"k{out}", kernel)]
+        inputs = [self.image_input(op, "convolution"), self.initializer(f"k{out}", kernel)]
         if len(op.inputs) > 2 and op.inputs[2] >= 0:
             inputs.append(self.initializer(f"b{out}", self.constant(op.inputs[2]).astype(np.float32)))
         self.produce(op, out, "Conv", inputs, kernel_shape=[kh, kw], strides=stride, dilations=dilation,
@@ -125,20 +143,28 @@ class Converter:
 
     def max_pool(self, op):
         kh, kw = op.option(4, default=1), op.option(3, default=1)
-        self.produce(op, op.outputs[0], "MaxPool", [self.value(op.inputs[0])], kernel_shape=[kh, kw],
+        self.produce(op, op.outputs[0], "MaxPool", [self.image_input(op, "max pooling")], kernel_shape=[kh, kw],
                      strides=[op.option(2, default=1), op.option(1, default=1)], pads=self.spatial_padding(op, kh, kw))
 
     def pad(self, op):
+        source = self.image_input(op, "padding")
         paddings = self.constant(op.inputs[1]).astype(np.int64)  # [[before, after]] per NHWC axis
+        if paddings.shape != (4, 2) or (paddings < 0).any():
+            raise ValueError(f"paddings of shape {paddings.shape} are not [[before, after]] for each of four axes")
         order = [0, 3, 1, 2]
         pads = [paddings[a][0] for a in order] + [paddings[a][1] for a in order]
         out = op.outputs[0]
-        self.produce(op, out, "Pad", [self.value(op.inputs[0]), self.initializer(f"p{out}", np.array(pads, np.int64))])
+        self.produce(op, out, "Pad", [source, self.initializer(f"p{out}", np.array(pads, np.int64))])
 
     def prelu(self, op):
-        slope = self.constant(op.inputs[1]).astype(np.float32).reshape(-1, 1, 1)
+        source = self.image_input(op, "PReLU")
+        slope = self.constant(op.inputs[1]).astype(np.float32)
+        channels = self.model.tensors[op.inputs[0]].shape[3]
+        # One slope per channel, on the last axis; ONNX broadcasts it over C, 1, 1.
+        if slope.size != channels or slope.shape[-1] != channels:
+            raise ValueError(f"a PReLU slope of shape {slope.shape} is not one per channel of {channels}")
         out = op.outputs[0]
-        self.produce(op, out, "PRelu", [self.value(op.inputs[0]), self.initializer(f"a{out}", slope)])
+        self.produce(op, out, "PRelu", [source, self.initializer(f"a{out}", slope.reshape(-1, 1, 1))])
 
     def add(self, op):
         a, b = op.inputs
@@ -166,7 +192,11 @@ class Converter:
         self.produce(op, op.outputs[0], "Relu", [self.value(op.inputs[0])], nchw=op.inputs[0] in self.nchw)
 
     def dequantize(self, op):
-        self.constants[op.outputs[0]] = self.constant(op.inputs[0]).astype(np.float32)
+        # Float16 weights widen exactly; integers would need their scale and zero point.
+        source = self.constant(op.inputs[0])
+        if source.dtype != np.float16:
+            raise ValueError(f"DEQUANTIZE of {source.dtype.name} weights is not supported")
+        self.constants[op.outputs[0]] = source.astype(np.float32)
 
     def convert_operator(self, op):
         handlers = {
@@ -179,6 +209,7 @@ class Converter:
         }
         if op.code not in handlers:
             raise ValueError(f"TFLite operator {op.code} is not supported")
+        self.check_types(op)
         handlers[op.code]()
 
     # ---- graph ----

@@ -1,33 +1,28 @@
 // SPDX-License-Identifier: MIT
 // The face landmarks on the fixture portraits: their error against the hand-marked points
 // (tests/data/face/hand_marks.json) and under a turn, scale and shift of the picture, as
-// fractions of the distance between the eyes, and the time to find both faces of a pair
-// of portraits of 1 to 24 megapixels (the pictures made beforehand, as loading is not
-// part of it; each run gets fresh images, so that the reduced copies are made anew).
+// fractions of the distance between the eyes; the time to find both faces of a pair of
+// portraits of 1 to 24 megapixels (the pictures made beforehand, as loading is not part
+// of it; each run gets fresh images, so that nothing of the previous run is reused); and
+// how far noise on a 24-megapixel portrait moves the landmarks, which sampling the
+// picture at a few points instead of averaging it would show.
 //
 //   face_lines_bench [runs=5]
 #include "face/face_chains.h"
-#include "face/face_landmarker.h"
-
-#include <opencv2/core/persistence.hpp>
-#include <opencv2/imgcodecs.hpp>
-#include <opencv2/imgproc.hpp>
+#include "face_test_support.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
-#include <string>
 #include <time.h>
 
 using namespace plyra;
+using namespace plyra::test;
 using Clock = std::chrono::steady_clock;
 
 namespace {
-
-const std::string kData = PLYRA_TEST_DATA;
 
 double cpuMilliseconds()
 {
@@ -36,121 +31,127 @@ double cpuMilliseconds()
     return static_cast<double>(t.tv_sec) * 1e3 + static_cast<double>(t.tv_nsec) / 1e6;
 }
 
-Image imageFromPicture(const cv::Mat& bgr)
-{
-    cv::Mat rgba;
-    cv::cvtColor(bgr, rgba, cv::COLOR_BGR2RGBA);
-    Bitmap bitmap(rgba.cols, rgba.rows);
-    for (int y = 0; y < rgba.rows; ++y)
-        std::memcpy(bitmap.row(rgba.rows - 1 - y), rgba.ptr(y), static_cast<std::size_t>(rgba.cols) * 4);
-    return Image::fromBitmap(std::move(bitmap));
-}
-
-std::vector<cv::Point2d> inPixels(const FaceLandmarks& face, cv::Size size)
-{
-    std::vector<cv::Point2d> points;
-    for (const Point& p : face.points)
-        points.emplace_back(p.x * size.width, (1.0 - p.y) * size.height);
-    return points;
-}
-
-double eyeDistance(const std::vector<cv::Point2d>& p)
-{
-    return cv::norm((p[33] + p[133]) / 2.0 - (p[362] + p[263]) / 2.0);
-}
-
 void reportAccuracy(FaceLandmarker& landmarker)
 {
-    cv::FileStorage marks(kData + "/face/hand_marks.json", cv::FileStorage::READ | cv::FileStorage::FORMAT_JSON);
-    const cv::FileNode indices = marks["landmarks"];
     std::printf("accuracy: error of the matching landmark / eye distance\n");
-    for (const cv::FileNode& photo : marks["faces"]) {
-        const cv::Mat picture = cv::imread(kData + "/photos/" + photo.name());
-        const std::optional<FaceLandmarks> face = landmarker.find(imageFromPicture(picture));
-        if (!face) {
-            std::printf("  %-18s no face found\n", photo.name().c_str());
+    for (const PhotoErrors& photo : handMarkErrors(landmarker)) {
+        if (!photo.found) {
+            std::printf("  %-18s no face found\n", photo.photo.c_str());
             continue;
         }
-        const std::vector<cv::Point2d> found = inPixels(*face, picture.size());
         double worst = 0.0;
         double sum = 0.0;
-        std::printf("  %-18s", photo.name().c_str());
-        for (const cv::FileNode& mark : photo) {
-            const cv::Point2d hand(mark[0].real(), mark[1].real());
-            const double e = cv::norm(found[static_cast<std::size_t>(indices[mark.name()].real())] - hand) / eyeDistance(found);
-            std::printf(" %s %.1f%%", mark.name().c_str(), 100 * e);
-            worst = std::max(worst, e);
-            sum += e;
+        std::printf("  %-18s", photo.photo.c_str());
+        for (const PointError& point : photo.points) {
+            std::printf(" %s %.1f%%", point.what.c_str(), 100 * point.error);
+            worst = std::max(worst, point.error);
+            sum += point.error;
         }
-        std::printf("\n  %-18s mean %.1f%%, worst %.1f%%\n", "", 100 * sum / static_cast<double>(photo.size()), 100 * worst);
+        std::printf("\n  %-18s mean %.1f%%, worst %.1f%%\n", "", 100 * sum / static_cast<double>(photo.points.size()), 100 * worst);
     }
 }
 
 void reportConsistency(FaceLandmarker& landmarker)
 {
-    const cv::Mat picture = cv::imread(kData + "/photos/ast_face.png");
-    cv::Matx23d move = cv::getRotationMatrix2D({150, 150}, 10.0, 0.8);
-    move(0, 2) += 70;
-    move(1, 2) += 20;
-    cv::Mat moved;
-    cv::warpAffine(picture, moved, move, {420, 360}, cv::INTER_AREA, cv::BORDER_REPLICATE);
-    const auto before = landmarker.find(imageFromPicture(picture));
-    const auto after = landmarker.find(imageFromPicture(moved));
-    if (!before || !after) {
+    const std::vector<PointError> errors = movedFaceErrors(landmarker);
+    if (errors.empty()) {
         std::printf("consistency: no face found\n");
         return;
     }
-    const std::vector<cv::Point2d> a = inPixels(*before, picture.size());
-    const std::vector<cv::Point2d> b = inPixels(*after, moved.size());
     double worst = 0.0;
     double sum = 0.0;
-    int count = 0;
-    for (const FaceChain& chain : faceChains()) {
-        for (const int i : chain.landmarks) {
-            const cv::Point2d p = a[static_cast<std::size_t>(i)];
-            const cv::Point2d expected(move(0, 0) * p.x + move(0, 1) * p.y + move(0, 2), move(1, 0) * p.x + move(1, 1) * p.y + move(1, 2));
-            const double e = cv::norm(b[static_cast<std::size_t>(i)] - expected) / eyeDistance(b);
-            worst = std::max(worst, e);
-            sum += e;
-            ++count;
-        }
+    for (const PointError& point : errors) {
+        worst = std::max(worst, point.error);
+        sum += point.error;
     }
     std::printf("consistency (turned 10°, scaled 0.8, shifted), line ends: mean %.1f%%, worst %.1f%% of the eye distance\n",
-        100 * sum / count, 100 * worst);
+        100 * sum / static_cast<double>(errors.size()), 100 * worst);
+}
+
+// A portrait of 4:3 and about that many megapixels, the face filling the middle as in the fixtures.
+cv::Mat portrait(const std::string& photo, int megapixels)
+{
+    const int height = static_cast<int>(std::sqrt(megapixels * 1e6 * 3.0 / 4.0));
+    const int width = height * 4 / 3;
+    cv::Mat face;
+    cv::resize(cv::imread(photoPath(photo)), face, {height, height}, 0, 0, cv::INTER_LINEAR);
+    cv::Mat picture;
+    cv::copyMakeBorder(face, picture, 0, 0, (width - height) / 2, width - height - (width - height) / 2, cv::BORDER_REPLICATE);
+    return picture;
+}
+
+struct Timing {
+    double wall = 0.0;
+    double processor = 0.0;
+};
+
+// Median wall and processor times of finding both faces; false when a face was missed.
+bool timePair(FaceLandmarker& landmarker, const cv::Mat (&pictures)[2], int runs, Timing* median, Timing* fastest)
+{
+    std::vector<double> walls;
+    std::vector<double> processors;
+    bool found = true;
+    for (int run = 0; run < runs; ++run) {
+        const Image images[2] = {imageFromPicture(pictures[0]), imageFromPicture(pictures[1])};
+        const Clock::time_point start = Clock::now();
+        const double cpuStart = cpuMilliseconds();
+        found = landmarker.find(images[0]) && landmarker.find(images[1]) && found;
+        walls.push_back(std::chrono::duration<double, std::milli>(Clock::now() - start).count());
+        processors.push_back(cpuMilliseconds() - cpuStart);
+    }
+    std::sort(walls.begin(), walls.end());
+    std::sort(processors.begin(), processors.end());
+    *median = {walls[walls.size() / 2], processors[processors.size() / 2]};
+    *fastest = {walls.front(), processors.front()};
+    return found;
 }
 
 void reportSpeed(FaceLandmarker& landmarker, int runs)
 {
-    const cv::Mat faces[2] = {cv::imread(kData + "/photos/ast_face.png"), cv::imread(kData + "/photos/hopper_face.png")};
-    std::printf("speed: both faces of a pair, median of %d runs\n", runs);
+    std::printf("speed: both faces of a pair, median of %d runs (on a busy machine the processor time tells more)\n", runs);
     for (const int megapixels : {1, 6, 12, 24}) {
-        // Portraits of 4:3, the face filling the middle as in the fixtures.
-        const int height = static_cast<int>(std::sqrt(megapixels * 1e6 * 3.0 / 4.0));
-        const int width = height * 4 / 3;
-        cv::Mat pictures[2];
-        for (int i = 0; i < 2; ++i) {
-            cv::Mat face;
-            cv::resize(faces[i], face, {height, height}, 0, 0, cv::INTER_LINEAR);
-            cv::copyMakeBorder(face, pictures[i], 0, 0, (width - height) / 2, width - height - (width - height) / 2, cv::BORDER_REPLICATE);
-        }
-        std::vector<double> times;
-        std::vector<double> cpuTimes;
-        for (int run = 0; run < runs; ++run) {
-            const Image images[2] = {imageFromPicture(pictures[0]), imageFromPicture(pictures[1])};
-            const Clock::time_point start = Clock::now();
-            const double cpuStart = cpuMilliseconds();
-            const bool found = landmarker.find(images[0]) && landmarker.find(images[1]);
-            times.push_back(std::chrono::duration<double, std::milli>(Clock::now() - start).count());
-            cpuTimes.push_back(cpuMilliseconds() - cpuStart);
-            if (!found)
-                std::printf("  %d MP: a face was not found\n", megapixels);
-        }
-        std::sort(times.begin(), times.end());
-        std::sort(cpuTimes.begin(), cpuTimes.end());
-        // On a busy machine the processor time tells more than the wall time.
-        std::printf("  %2d MP (%d x %d): %.0f ms (fastest %.0f ms), processor time %.0f ms\n", megapixels, width, height,
-            times[times.size() / 2], times.front(), cpuTimes[cpuTimes.size() / 2]);
+        const cv::Mat pictures[2] = {portrait("ast_face.png", megapixels), portrait("hopper_face.png", megapixels)};
+        Timing median;
+        Timing fastest;
+        if (!timePair(landmarker, pictures, runs, &median, &fastest))
+            std::printf("  %d MP: a face was not found\n", megapixels);
+        std::printf("  %2d MP (%d x %d): %.0f ms (fastest %.0f ms), processor time %.0f ms (least %.0f ms)\n", megapixels,
+            pictures[0].cols, pictures[0].rows, median.wall, fastest.wall, median.processor, fastest.processor);
     }
+}
+
+void reportNoise(FaceLandmarker& landmarker, int runs)
+{
+    cv::Mat pictures[2] = {portrait("ast_face.png", 24), portrait("hopper_face.png", 24)};
+    const auto clean = landmarker.find(imageFromPicture(pictures[0]));
+    cv::Mat noise(pictures[0].size(), CV_16SC3);
+    for (cv::Mat& picture : pictures) {
+        cv::RNG(11).fill(noise, cv::RNG::NORMAL, 0, 40);
+        cv::Mat noisy;
+        picture.convertTo(noisy, CV_16SC3);
+        cv::add(noisy, noise, noisy);
+        noisy.convertTo(picture, CV_8UC3);
+    }
+    const auto noisy = landmarker.find(imageFromPicture(pictures[0]));
+    if (!clean || !noisy) {
+        std::printf("noise: no face found\n");
+        return;
+    }
+    const std::vector<cv::Point2d> a = inPixels(*clean, pictures[0].size());
+    const std::vector<cv::Point2d> b = inPixels(*noisy, pictures[0].size());
+    double worst = 0.0;
+    double sum = 0.0;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        const double e = cv::norm(a[i] - b[i]) / eyeDistance(a);
+        worst = std::max(worst, e);
+        sum += e;
+    }
+    Timing median;
+    Timing fastest;
+    timePair(landmarker, pictures, runs, &median, &fastest);
+    std::printf("noise (24 MP, deviation 40 of 255): landmarks moved by %.2f%% on average, %.2f%% at most of the eye distance;"
+                " both faces %.0f ms, processor time %.0f ms\n",
+        100 * sum / static_cast<double>(a.size()), 100 * worst, median.wall, median.processor);
 }
 
 } // namespace
@@ -158,9 +159,8 @@ void reportSpeed(FaceLandmarker& landmarker, int runs)
 int main(int argc, char* argv[])
 {
     const int runs = argc > 1 ? std::max(1, std::atoi(argv[1])) : 5;
-    const std::optional<FaceModelFiles> files = FaceModelFiles::inFolder(std::string(PLYRA_BINARY_DIR) + "/resources/face");
     std::string error;
-    const std::unique_ptr<FaceLandmarker> landmarker = files ? FaceLandmarker::create(*files, &error) : nullptr;
+    const std::unique_ptr<FaceLandmarker> landmarker = convertedLandmarker(&error);
     if (!landmarker) {
         std::fprintf(stderr, "face_lines_bench: this build has no face networks %s\n", error.c_str());
         return 1;
@@ -168,5 +168,6 @@ int main(int argc, char* argv[])
     reportAccuracy(*landmarker);
     reportConsistency(*landmarker);
     reportSpeed(*landmarker, runs);
+    reportNoise(*landmarker, runs);
     return 0;
 }

@@ -9,10 +9,30 @@ namespace {
 
 constexpr int kValuesPerBox = 16;
 constexpr float kScoreClip = 100.0f;
-constexpr double kMergeOverlap = 0.3;
+// Tiles grow by this step until there are few enough.
+constexpr double kTileGrowth = 1.25;
 
-// Anchor centres of the short-range detector: a 16 × 16 grid with two anchors per cell,
-// then an 8 × 8 grid with six, in row order; boxes are relative to a unit anchor.
+double overlap(const cv::Rect2d& a, const cv::Rect2d& b)
+{
+    const double common = (a & b).area();
+    return common / (a.area() + b.area() - common);
+}
+
+// Starts of squares of side along a length: evenly spread, the last flush with the far
+// end; one centred square where the length is shorter than the side.
+std::vector<double> tileStarts(int length, double side)
+{
+    const int count = std::max(1, static_cast<int>(std::ceil((length - side) / (side / 2.0))) + 1);
+    std::vector<double> starts;
+    for (int i = 0; i < count; ++i)
+        starts.push_back(count > 1 ? i * (length - side) / (count - 1) : (length - side) / 2.0);
+    return starts;
+}
+
+} // namespace
+
+// Anchors of a 16 × 16 grid with two per cell, then of an 8 × 8 grid with six, in row
+// order; boxes are relative to a unit anchor.
 std::vector<cv::Point2f> shortRangeAnchors()
 {
     std::vector<cv::Point2f> anchors;
@@ -27,33 +47,21 @@ std::vector<cv::Point2f> shortRangeAnchors()
     return anchors;
 }
 
-// Squares of half the short side, each overlapping its neighbours by half, covering the picture.
-std::vector<FaceRegion> tiles(int width, int height)
+std::vector<FaceRegion> searchTiles(int width, int height)
 {
-    const double side = std::min(width, height) / 2.0;
-    const auto count = [side](int length) { return static_cast<int>(std::ceil((length - side) / (side / 2.0))) + 1; };
-    const int columns = count(width);
-    const int rows = count(height);
+    double side = std::min(width, height) / 2.0;
+    if (side < kMinSearchTile)
+        return {};
+    while (tileStarts(width, side).size() * tileStarts(height, side).size() > kMaxSearchTiles)
+        side *= kTileGrowth;
     std::vector<FaceRegion> regions;
-    for (int row = 0; row < rows; ++row) {
-        for (int column = 0; column < columns; ++column) {
-            // Spread evenly, the last square flush with the far edge.
-            const double x = columns > 1 ? column * (width - side) / (columns - 1) : 0.0;
-            const double y = rows > 1 ? row * (height - side) / (rows - 1) : 0.0;
+    for (const double y : tileStarts(height, side)) {
+        for (const double x : tileStarts(width, side))
             regions.push_back({{x + side / 2.0, y + side / 2.0}, side, 0.0});
-        }
     }
     return regions;
 }
 
-double overlap(const cv::Rect2d& a, const cv::Rect2d& b)
-{
-    const double common = (a & b).area();
-    return common / (a.area() + b.area() - common);
-}
-
-// Weighted merging: each cluster of boxes that overlap the most confident one becomes
-// their score-weighted mean, which is steadier than keeping the single best box.
 std::vector<FaceDetection> mergeOverlapping(std::vector<FaceDetection> candidates)
 {
     std::sort(candidates.begin(), candidates.end(), [](const auto& a, const auto& b) { return a.score > b.score; });
@@ -84,8 +92,6 @@ std::vector<FaceDetection> mergeOverlapping(std::vector<FaceDetection> candidate
     return merged;
 }
 
-} // namespace
-
 FaceDetector::FaceDetector(const std::string& onnxPath)
     : m_net(cv::dnn::readNetFromONNX(onnxPath))
     , m_anchors(shortRangeAnchors())
@@ -100,15 +106,20 @@ std::array<cv::Mat, 2> FaceDetector::run(const cv::Mat& rgb)
     return {outputs[0], outputs[1]};
 }
 
-std::vector<FaceDetection> FaceDetector::detect(const FaceImageSource& image, float minScore)
+std::vector<FaceDetection> FaceDetector::detect(const FaceImageSource& image, const SearchStop& stop, float minScore)
 {
+    const auto stopped = [&stop] { return stop && stop(); };
+    if (stopped())
+        return {};
     // The whole picture, letterboxed into the square the network sees.
     const double longSide = std::max(image.width(), image.height());
     std::vector<FaceDetection> found = detectIn(image, {{image.width() / 2.0, image.height() / 2.0}, longSide, 0.0}, minScore);
     if (found.empty()) {
         // A face under about a tenth of the picture is too small for the detector at that
-        // scale: look again in overlapping squares of half the short side.
-        for (const FaceRegion& tile : tiles(image.width(), image.height())) {
+        // scale: look again in overlapping parts of it.
+        for (const FaceRegion& tile : searchTiles(image.width(), image.height())) {
+            if (stopped())
+                return {};
             std::vector<FaceDetection> more = detectIn(image, tile, minScore);
             found.insert(found.end(), more.begin(), more.end());
         }

@@ -7,6 +7,7 @@
 #include <opencv2/dnn.hpp>
 
 #include <array>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -20,9 +21,27 @@ struct FaceDetection {
     float score = 0.0f;
 };
 
+/// Asked between the steps of a search; true ends it early, without a result.
+using SearchStop = std::function<bool()>;
+
+/// The anchor centres of the short-range detector in unit coordinates of its input.
+std::vector<cv::Point2f> shortRangeAnchors();
+
+/// The squares in which small faces are looked for: half the short side, overlapping their
+/// neighbours by half, at most kMaxSearchTiles (larger squares where more would be needed),
+/// none when they would be under kMinSearchTile pixels.
+std::vector<FaceRegion> searchTiles(int width, int height);
+inline constexpr int kMaxSearchTiles = 16;
+inline constexpr double kMinSearchTile = 128.0;
+
+/// Each cluster of boxes that overlap the most confident one by kMergeOverlap (of their
+/// union) becomes their score-weighted mean, which is steadier than the single best box;
+/// the most confident cluster first.
+std::vector<FaceDetection> mergeOverlapping(std::vector<FaceDetection> candidates);
+inline constexpr double kMergeOverlap = 0.3;
+
 /// The short-range face detector (a single-shot detector on a 128 × 128 picture of the
-/// whole image): its anchors, the decoding of boxes and key points, and the merging of
-/// overlapping boxes.
+/// whole image): its anchors, and the decoding of boxes and key points.
 /// Threads: one thread at a time per detector.
 class FaceDetector {
 public:
@@ -32,8 +51,9 @@ public:
     explicit FaceDetector(const std::string& onnxPath);
 
     /// The faces with a score of at least minScore, most confident first; small faces
-    /// are looked for in parts of the picture when the whole shows none.
-    std::vector<FaceDetection> detect(const FaceImageSource& image, float minScore = 0.5f);
+    /// are looked for in searchTiles() when the whole picture shows none. Nothing once
+    /// stop answers true, which it is asked before each look.
+    std::vector<FaceDetection> detect(const FaceImageSource& image, const SearchStop& stop = {}, float minScore = 0.5f);
 
     /// The network's raw outputs (boxes, scores) for an RGB picture of kInputSize pixels.
     std::array<cv::Mat, 2> run(const cv::Mat& rgb);

@@ -15,9 +15,6 @@ using namespace face_internal;
 // was trained on.
 constexpr double kRegionScale = 1.5;
 constexpr float kMinPresence = 0.5f;
-// Outer eye corners: the line between them sets the turn of the second square.
-constexpr int kLeftEyeCorner = 33;
-constexpr int kRightEyeCorner = 263;
 
 } // namespace
 
@@ -54,13 +51,13 @@ std::unique_ptr<FaceLandmarker> FaceLandmarker::create(const FaceModelFiles& fil
     }
 }
 
-std::optional<FaceLandmarks> FaceLandmarker::find(const Image& image)
+std::optional<FaceLandmarks> FaceLandmarker::find(const Image& image, const Stop& stop)
 {
     const FaceImageSource source(image);
     if (!source.isValid())
         return std::nullopt;
-    const std::vector<FaceDetection> faces = m_networks->detector.detect(source);
-    if (faces.empty())
+    const std::vector<FaceDetection> faces = m_networks->detector.detect(source, stop);
+    if (faces.empty() || (stop && stop()))
         return std::nullopt;
     const FaceDetection& face = *std::max_element(faces.begin(), faces.end(),
         [](const FaceDetection& a, const FaceDetection& b) { return a.box.area() < b.box.area(); });
@@ -70,9 +67,13 @@ std::optional<FaceLandmarks> FaceLandmarker::find(const Image& image)
     RegionLandmarks found = m_networks->landmarks.landmarks(source, first);
     if (found.presence < kMinPresence)
         return std::nullopt;
+    if (stop && stop())
+        return std::nullopt;
     // The second square follows the face itself rather than the detector's box: it is
-    // the same for a face however it is turned, scaled or placed in the picture.
-    const FaceRegion second = regionAroundLandmarks(found.points, kLeftEyeCorner, kRightEyeCorner, kRegionScale);
+    // the same for a face however it is turned, scaled or placed in the picture; the
+    // line between the outer eye corners sets its turn.
+    const FaceRegion second = regionAroundLandmarks(found.points, face_landmark::kLeftEyeOuterCorner,
+        face_landmark::kRightEyeOuterCorner, kRegionScale);
     if (RegionLandmarks refined = m_networks->landmarks.landmarks(source, second); refined.presence >= kMinPresence)
         found = std::move(refined);
     FaceLandmarks result;

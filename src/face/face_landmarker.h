@@ -5,6 +5,7 @@
 #include "face/face_model_files.h"
 #include "platform/image/image.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -25,9 +26,13 @@ public:
     FaceLandmarker(const FaceLandmarker&) = delete;
     FaceLandmarker& operator=(const FaceLandmarker&) = delete;
 
+    /// Asked between the steps of a search; true ends it without a result.
+    using Stop = std::function<bool()>;
+
     /// The landmarks of the largest face; none when the image (a bitmap image) shows no
-    /// face the networks are sure of.
-    std::optional<FaceLandmarks> find(const Image& image);
+    /// face the networks are sure of, or when stop answered true. OpenCV's errors
+    /// (cv::Exception) and a failed allocation (std::bad_alloc) pass through.
+    std::optional<FaceLandmarks> find(const Image& image, const Stop& stop = {});
 
 private:
     struct Networks;

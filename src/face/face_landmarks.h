@@ -11,10 +11,20 @@ namespace plyra {
 /// The landmark network's number of points on a face.
 inline constexpr std::size_t kFaceLandmarkCount = 468;
 
+/// Landmarks with a name of their own, as the landmark network numbers them; "left" and
+/// "right" are the picture's.
+namespace face_landmark {
+inline constexpr int kLeftEyeOuterCorner = 33;
+inline constexpr int kLeftEyeInnerCorner = 133;
+inline constexpr int kRightEyeInnerCorner = 362;
+inline constexpr int kRightEyeOuterCorner = 263;
+inline constexpr int kNoseTip = 1;
+inline constexpr int kChin = 152;
+} // namespace face_landmark
+
 /// The landmarks of one face in unit image coordinates (fractions of the image's width
 /// from the left and of its height from the bottom), indexed as the landmark network
-/// numbers them. Index 33 is the outer corner of the eye on the image's left, 263 the one
-/// on its right, 1 the nose tip, 152 the chin.
+/// numbers them (see face_landmark for a few).
 /// Threads: a plain value.
 struct FaceLandmarks {
     std::vector<Point> points;

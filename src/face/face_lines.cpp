@@ -3,10 +3,13 @@
 
 #include "face/face_chains.h"
 
+#include <cassert>
+
 namespace plyra {
 
 std::vector<MorphLine::Ptr> faceLines(const FaceLandmarks& first, const FaceLandmarks& last)
 {
+    assert(first.points.size() == kFaceLandmarkCount && last.points.size() == kFaceLandmarkCount);
     std::vector<MorphLine::Ptr> lines;
     for (const FaceChain& chain : faceChains()) {
         for (std::size_t i = 1; i < chain.landmarks.size(); ++i) {

@@ -1,33 +1,26 @@
 // SPDX-License-Identifier: MIT
+// The landmarks the converted networks find on the fixture faces (skipped in a build
+// without the networks).
 #include "face/face_chains.h"
+#include "face/face_detector_internal.h"
 #include "face_test_support.h"
 
-#include <opencv2/core/persistence.hpp>
-
-#include <cmath>
+#include <gtest/gtest.h>
 
 namespace plyra {
 namespace {
 
 using test::imageFromPicture;
+using test::inPixels;
 using test::photoPath;
 
-constexpr int kLeftEyeCorners[2] = {33, 133};
-constexpr int kRightEyeCorners[2] = {362, 263};
-
-// Landmarks in pixels of a picture of that size (y down).
-std::vector<cv::Point2d> inPixels(const FaceLandmarks& face, cv::Size size)
+// The test is skipped when null comes back; networks that are there but do not load fail it.
+std::unique_ptr<FaceLandmarker> landmarkerOrSkip()
 {
-    std::vector<cv::Point2d> points;
-    for (const Point& p : face.points)
-        points.emplace_back(p.x * size.width, (1.0 - p.y) * size.height);
-    return points;
-}
-
-double eyeDistance(const std::vector<cv::Point2d>& p)
-{
-    const auto centre = [&](const int (&corners)[2]) { return (p[corners[0]] + p[corners[1]]) / 2.0; };
-    return cv::norm(centre(kLeftEyeCorners) - centre(kRightEyeCorners));
+    std::string error;
+    std::unique_ptr<FaceLandmarker> landmarker = test::convertedLandmarker(&error);
+    EXPECT_TRUE(error.empty()) << error;
+    return landmarker;
 }
 
 // The error of each hand-marked point, as a fraction of the distance between the eyes: at
@@ -36,87 +29,72 @@ double eyeDistance(const std::vector<cv::Point2d>& p)
 // convention by a few pixels.
 TEST(FaceLandmarker, LandmarksLieOnTheHandMarkedPoints)
 {
-    const auto landmarker = test::landmarkerOrSkip();
+    const auto landmarker = landmarkerOrSkip();
     if (!landmarker)
         GTEST_SKIP() << "this build has no face networks";
-    cv::FileStorage marks(std::string(PLYRA_TEST_DATA) + "/face/hand_marks.json", cv::FileStorage::READ | cv::FileStorage::FORMAT_JSON);
-    ASSERT_TRUE(marks.isOpened());
-    const cv::FileNode indices = marks["landmarks"];
-    for (const cv::FileNode& photo : marks["faces"]) {
-        const cv::Mat picture = cv::imread(photoPath(photo.name()));
-        const std::optional<FaceLandmarks> face = landmarker->find(imageFromPicture(picture));
-        ASSERT_TRUE(face) << photo.name();
-        const std::vector<cv::Point2d> found = inPixels(*face, picture.size());
+    for (const test::PhotoErrors& photo : test::handMarkErrors(*landmarker)) {
+        ASSERT_TRUE(photo.found) << photo.photo;
         double sum = 0.0;
-        for (const cv::FileNode& mark : photo) {
-            const cv::Point2d handMarked(mark[0].real(), mark[1].real());
-            const double error = cv::norm(found[static_cast<std::size_t>(indices[mark.name()].real())] - handMarked) / eyeDistance(found);
-            EXPECT_LE(error, 0.12) << photo.name() << " " << mark.name();
-            sum += error;
+        for (const test::PointError& point : photo.points) {
+            EXPECT_LE(point.error, 0.12) << photo.photo << " " << point.what;
+            sum += point.error;
         }
-        EXPECT_LE(sum / static_cast<double>(photo.size()), 0.05) << photo.name();
+        EXPECT_LE(sum / static_cast<double>(photo.points.size()), 0.05) << photo.photo;
     }
 }
 
 // A face turned by 10°, scaled by 0.8 and moved gives the moved landmarks of the original.
 TEST(FaceLandmarker, LandmarksFollowTheFaceWhenThePictureTurnsScalesAndMoves)
 {
-    const auto landmarker = test::landmarkerOrSkip();
+    const auto landmarker = landmarkerOrSkip();
     if (!landmarker)
         GTEST_SKIP() << "this build has no face networks";
-    const cv::Mat picture = cv::imread(photoPath("ast_face.png"));
-    const cv::Size canvas(420, 360);
-    cv::Matx23d move = cv::getRotationMatrix2D({150, 150}, 10.0, 0.8);
-    move(0, 2) += 70;
-    move(1, 2) += 20;
-    cv::Mat moved;
-    cv::warpAffine(picture, moved, move, canvas, cv::INTER_AREA, cv::BORDER_REPLICATE);
-    const auto original = landmarker->find(imageFromPicture(picture));
-    const auto changed = landmarker->find(imageFromPicture(moved));
-    ASSERT_TRUE(original && changed);
-    const std::vector<cv::Point2d> before = inPixels(*original, picture.size());
-    const std::vector<cv::Point2d> after = inPixels(*changed, canvas);
-    const double eyes = eyeDistance(after);
-    for (const FaceChain& chain : faceChains()) {
-        for (const int i : chain.landmarks) {
-            const cv::Point2d p = before[static_cast<std::size_t>(i)];
-            const cv::Point2d expected(move(0, 0) * p.x + move(0, 1) * p.y + move(0, 2), move(1, 0) * p.x + move(1, 1) * p.y + move(1, 2));
-            EXPECT_LE(cv::norm(after[static_cast<std::size_t>(i)] - expected) / eyes, 0.03) << chain.name << " " << i;
-        }
-    }
+    const std::vector<test::PointError> errors = test::movedFaceErrors(*landmarker);
+    ASSERT_FALSE(errors.empty());
+    for (const test::PointError& point : errors)
+        EXPECT_LE(point.error, 0.03) << point.what;
 }
 
-// A face of a sixteenth of the picture's width is found in a part of it; a picture
-// without a face gives nothing.
+// A face of a sixteenth of the picture's width is found in a part of it; a picture without
+// a face gives nothing after at most a whole look and the bounded search in parts, and a
+// stop ends the search at once.
 TEST(FaceLandmarker, FindsSmallFacesAndNothingWhereThereIsNone)
 {
-    const auto landmarker = test::landmarkerOrSkip();
+    const auto landmarker = landmarkerOrSkip();
     if (!landmarker)
         GTEST_SKIP() << "this build has no face networks";
     cv::Mat wide(1800, 2400, CV_8UC3, cv::Scalar(160, 180, 200));
     cv::imread(photoPath("hopper_face.png")).copyTo(wide(cv::Rect(1500, 300, 300, 300)));
     const auto small = landmarker->find(imageFromPicture(wide));
     ASSERT_TRUE(small);
-    EXPECT_TRUE(cv::Rect(1500, 300, 300, 300).contains(inPixels(*small, wide.size())[1]));
+    EXPECT_TRUE(cv::Rect(1500, 300, 300, 300).contains(inPixels(*small, wide.size())[face_landmark::kNoseTip]));
+    int looks = 0;
+    const auto counted = [&looks] { return ++looks, false; };
     cv::Mat gradient(240, 320, CV_8UC3);
     for (int y = 0; y < gradient.rows; ++y)
         gradient.row(y).setTo(cv::Scalar(y, 128, 255 - y));
-    EXPECT_FALSE(landmarker->find(imageFromPicture(gradient)));
+    EXPECT_FALSE(landmarker->find(imageFromPicture(gradient), counted));
     EXPECT_FALSE(landmarker->find(Image()));
+    looks = 0;
+    EXPECT_FALSE(landmarker->find(imageFromPicture(cv::Mat(1800, 2400, CV_8UC3, cv::Scalar(90, 90, 90))), counted));
+    EXPECT_LE(looks, 1 + face_internal::kMaxSearchTiles);
+    looks = 0;
+    EXPECT_FALSE(landmarker->find(imageFromPicture(cv::imread(photoPath("hopper_face.png"))), [&looks] { return ++looks > 0; }));
+    EXPECT_EQ(looks, 1);
 }
 
 // Chains run from the picture's left to its right (the bridge from top to bottom), every
 // line has a length, and what is called left lies left of the nose.
 TEST(FaceLandmarker, ChainsRunLeftToRightOnTheirSideOfTheFace)
 {
-    const auto landmarker = test::landmarkerOrSkip();
+    const auto landmarker = landmarkerOrSkip();
     if (!landmarker)
         GTEST_SKIP() << "this build has no face networks";
     const cv::Mat picture = cv::imread(photoPath("hopper_face.png"));
     const auto face = landmarker->find(imageFromPicture(picture));
     ASSERT_TRUE(face);
     const std::vector<cv::Point2d> p = inPixels(*face, picture.size());
-    const double noseX = p[1].x;
+    const double noseX = p[face_landmark::kNoseTip].x;
     for (const FaceChain& chain : faceChains()) {
         const std::string name = chain.name;
         const cv::Point2d first = p[static_cast<std::size_t>(chain.landmarks.front())];

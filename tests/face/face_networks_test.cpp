@@ -5,6 +5,8 @@
 #include "face/face_landmark_network_internal.h"
 #include "face_test_support.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cmath>
 #include <fstream>

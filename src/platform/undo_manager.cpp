@@ -71,8 +71,12 @@ void UndoManager::endUndoGrouping()
         return;
     }
     m_autoGroupOpen = false;
-    if (group.entries.empty())
+    // Closing even an empty group is news: work that waited for the group to close (a
+    // result that must become a step of its own) goes on now.
+    if (group.entries.empty()) {
+        notifyChanged();
         return;
+    }
     if (m_state == State::Normal && m_capture)
         group.restoreAfter = m_capture();
     stackBeingBuilt().push_back(std::move(group));

@@ -151,6 +151,16 @@ TEST_F(UndoManagerTest, ExplicitGroupsNestIntoOneStep)
     EXPECT_EQ(undo.undoStepCount(), 1);
     undo.undo();
     EXPECT_EQ(c.value, 0);
+    // The outermost group closing is reported even when nothing changed in it.
+    int reports = 0;
+    undo.addChangeObserver(&reports, [&reports] { ++reports; });
+    undo.beginUndoGrouping();
+    undo.beginUndoGrouping();
+    undo.endUndoGrouping();
+    EXPECT_EQ(reports, 0);
+    undo.endUndoGrouping();
+    EXPECT_EQ(reports, 1);
+    EXPECT_EQ(undo.undoStepCount(), 0);
 }
 
 TEST_F(UndoManagerTest, NamedStepsKeepTheirIdentityThroughUndoAndRedo)

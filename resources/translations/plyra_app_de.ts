@@ -501,6 +501,14 @@
         <source>Added %1 face lines.</source>
         <translation>%1 Gesichtslinien hinzugefügt.</translation>
     </message>
+    <message>
+        <source>The faces could not be searched: %1</source>
+        <translation>Die Gesichter konnten nicht gesucht werden: %1</translation>
+    </message>
+    <message>
+        <source>The face lines are added when the current change ends.</source>
+        <translation>Die Gesichtslinien werden hinzugefügt, sobald die laufende Änderung endet.</translation>
+    </message>
 </context>
 <context>
     <name>plyra::HelpWindow</name>

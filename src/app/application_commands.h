@@ -7,9 +7,11 @@
 namespace plyra {
 
 class MorphEditorWindowController;
+struct FaceFinding;
 
 /// What a document window's menus ask of the application: the document commands that
-/// concern more than one window, help, the update check and quitting.
+/// concern more than one window, help, the update check and quitting; and how faces are
+/// found.
 /// Threads: main thread only.
 class ApplicationCommands {
 public:
@@ -30,6 +32,8 @@ public:
     virtual void showHelp(const QString& page) = 0;
     virtual void checkForUpdates() = 0;
     virtual void showAbout() = 0;
+
+    virtual const FaceFinding& faceFinding() const = 0;
 };
 
 } // namespace plyra

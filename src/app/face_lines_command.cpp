@@ -1,32 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "app/face_lines_command.h"
 
-#include "face/face_landmarker.h"
 #include "face/face_lines.h"
 #include "model/morph_document.h"
 
-#include <memory>
+#include <exception>
 
 namespace plyra {
-namespace {
-
-// The networks load on the worker at the first run and stay for the next.
-FaceLinesCommand::FaceFinder installedFinder()
-{
-    auto landmarker = std::make_shared<std::unique_ptr<FaceLandmarker>>();
-    return [landmarker](const Image& image) -> std::optional<FaceLandmarks> {
-        if (!*landmarker)
-            *landmarker = FaceLandmarker::create();
-        return *landmarker ? (*landmarker)->find(image) : std::nullopt;
-    };
-}
-
-} // namespace
-
-FaceLinesCommand::FaceLinesCommand(MorphDocument& document, QObject* parent)
-    : FaceLinesCommand(document, installedFinder(), nullptr, parent)
-{
-}
 
 FaceLinesCommand::FaceLinesCommand(MorphDocument& document, FaceFinder finder, Runner runner, QObject* parent)
     : QObject(parent)
@@ -38,16 +18,11 @@ FaceLinesCommand::FaceLinesCommand(MorphDocument& document, FaceFinder finder, R
 
 FaceLinesCommand::~FaceLinesCommand()
 {
-    // The worker refers to this object; the networks take a fraction of a second.
+    // The worker refers to this object: it stops at its next step (between looks at
+    // parts of the picture), so closing a window does not wait for a whole search.
+    m_stopping = true;
     if (m_worker.joinable())
         m_worker.join();
-}
-
-bool FaceLinesCommand::isAvailable()
-{
-    // The networks are installed with the program; one look is enough.
-    static const bool available = FaceModelFiles::find().has_value();
-    return available;
 }
 
 void FaceLinesCommand::runOnWorker(std::function<void()> job)
@@ -66,27 +41,65 @@ void FaceLinesCommand::run()
     emit runningChanged(true);
     emit statusChanged(tr("Finding the faces…"));
     m_runner([this, images] {
-        Faces faces;
-        for (std::size_t track = 0; track < 2; ++track) {
-            if (!images[track].isNull())
-                faces[track] = m_finder(images[track]);
-        }
-        QMetaObject::invokeMethod(this, [this, images, faces] { finish(images, faces); }, Qt::QueuedConnection);
+        const Result result = search(images);
+        QMetaObject::invokeMethod(this, [this, result] { finish(result); }, Qt::QueuedConnection);
     });
 }
 
-void FaceLinesCommand::finish(const std::array<Image, 2>& images, const Faces& faces)
+FaceLinesCommand::Result FaceLinesCommand::search(const std::array<Image, 2>& images) const
+{
+    Result result{images, {}, {}};
+    const Stop stop = [this] { return m_stopping.load(); };
+    // OpenCV's errors and failed allocations end the search, not the program.
+    try {
+        for (std::size_t track = 0; track < 2; ++track) {
+            if (!images[track].isNull())
+                result.faces[track] = m_finder(images[track], stop);
+        }
+    } catch (const std::exception& e) {
+        result.faces = {};
+        result.error = QString::fromLocal8Bit(e.what());
+    }
+    return result;
+}
+
+void FaceLinesCommand::stopRunning()
 {
     m_running = false;
     emit runningChanged(false);
-    if (images[0] != m_document.ciimageInTrack(0) || images[1] != m_document.ciimageInTrack(1))
+}
+
+void FaceLinesCommand::finish(const Result& result)
+{
+    if (result.images[0] != m_document.ciimageInTrack(0) || result.images[1] != m_document.ciimageInTrack(1)) {
+        stopRunning();
         emit statusChanged(tr("The images changed while the faces were searched; no lines were added."));
-    else if (!faces[0])
-        emit statusChanged(tr("No face found in the first image."));
-    else if (!faces[1])
-        emit statusChanged(tr("No face found in the last image."));
+    } else if (!result.error.isEmpty()) {
+        stopRunning();
+        emit statusChanged(tr("The faces could not be searched: %1").arg(result.error));
+    } else if (!result.faces[0] || !result.faces[1]) {
+        stopRunning();
+        emit statusChanged(!result.faces[0] ? tr("No face found in the first image.") : tr("No face found in the last image."));
+    } else {
+        m_waiting = result;
+        if (m_beforeAdding)
+            m_beforeAdding();
+        if (m_document.undoManager().groupingLevel() > 0)
+            emit statusChanged(tr("The face lines are added when the current change ends."));
+        addWaitingLines();
+    }
+}
+
+void FaceLinesCommand::addWaitingLines()
+{
+    if (!m_waiting || m_document.undoManager().groupingLevel() > 0)
+        return;
+    const Result result = *std::exchange(m_waiting, std::nullopt);
+    stopRunning();
+    if (result.images[0] != m_document.ciimageInTrack(0) || result.images[1] != m_document.ciimageInTrack(1))
+        emit statusChanged(tr("The images changed while the faces were searched; no lines were added."));
     else
-        addLines(faces);
+        addLines(result.faces);
 }
 
 void FaceLinesCommand::addLines(const Faces& faces)

@@ -8,6 +8,7 @@
 #include <QString>
 
 #include <array>
+#include <atomic>
 #include <functional>
 #include <optional>
 #include <thread>
@@ -19,27 +20,34 @@ class MorphDocument;
 /// Edit ▸ Add Face Lines: finds the face in each of the document's two images and adds the
 /// lines that pair them, selected, as one undo step "Add Face Lines". Existing lines stay
 /// as they are. The faces are found off the main thread; the status says what happens.
+/// Before adding, the window ends its gestures (setBeforeAdding); while an undo group is
+/// still open (a drag in the inspector) the lines wait for addWaitingLines() after it
+/// closes, so that they never become part of another step.
 /// Threads: main thread; the finder runs on a worker thread, one run at a time, and its
 /// result comes back through the event loop. A result for images the document no longer
-/// has is dropped.
+/// has is dropped. Destroying the command stops the search and waits for the worker.
 class FaceLinesCommand : public QObject {
     Q_OBJECT
 
 public:
-    /// Finds the landmarks of the most prominent face of an image (on a worker thread).
-    using FaceFinder = std::function<std::optional<FaceLandmarks>(const Image&)>;
+    /// Asked by the finder between the steps of a search; true ends it.
+    using Stop = std::function<bool()>;
+    /// Finds the landmarks of the most prominent face of an image (on a worker thread);
+    /// throws a std::exception whose what() says why when it cannot search.
+    using FaceFinder = std::function<std::optional<FaceLandmarks>(const Image&, const Stop&)>;
     /// Runs a job off the main thread; the job may post back to this object.
     using Runner = std::function<void(std::function<void()>)>;
 
-    /// With the installed face networks and a worker thread of its own.
-    explicit FaceLinesCommand(MorphDocument& document, QObject* parent = nullptr);
-    FaceLinesCommand(MorphDocument& document, FaceFinder finder, Runner runner, QObject* parent = nullptr);
+    /// With no runner, the command runs the finder on a worker thread of its own.
+    FaceLinesCommand(MorphDocument& document, FaceFinder finder, Runner runner = nullptr, QObject* parent = nullptr);
     ~FaceLinesCommand() override;
 
-    /// Whether this build has the face networks (looked up once).
-    static bool isAvailable();
+    /// Called on the main thread right before the lines are added.
+    void setBeforeAdding(std::function<void()> hook) { m_beforeAdding = std::move(hook); }
     bool isRunning() const { return m_running; }
     void run();
+    /// Adds the lines of a result that waited for an undo group to close, if it is closed now.
+    void addWaitingLines();
 
 signals:
     void statusChanged(const QString& message);
@@ -47,15 +55,25 @@ signals:
 
 private:
     using Faces = std::array<std::optional<FaceLandmarks>, 2>;
-    void finish(const std::array<Image, 2>& images, const Faces& faces);
+    struct Result {
+        std::array<Image, 2> images;
+        Faces faces;
+        QString error;
+    };
+    Result search(const std::array<Image, 2>& images) const;
+    void finish(const Result& result);
+    void stopRunning();
     void addLines(const Faces& faces);
     void runOnWorker(std::function<void()> job);
 
     MorphDocument& m_document;
     FaceFinder m_finder;
     Runner m_runner;
+    std::function<void()> m_beforeAdding;
     std::thread m_worker;
+    std::atomic<bool> m_stopping{false};
     bool m_running = false;
+    std::optional<Result> m_waiting;
 };
 
 } // namespace plyra

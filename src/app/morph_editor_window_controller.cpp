@@ -6,6 +6,7 @@
 #include "app/counterpart_prediction_toggle.h"
 #include "app/document_toolbar.h"
 #include "app/editor_zoom.h"
+#include "app/face_finding.h"
 #include "app/face_lines_command.h"
 #include "app/image_chooser.h"
 #include "app/image_problem_bar.h"
@@ -201,7 +202,8 @@ void MorphEditorWindowController::buildActions()
     a.setEnabledRule(Command::SelectAll, [lines, selection] { return lines().size() != selection().size(); });
     a.setEnabledRule(Command::SelectNone, [selection] { return !selection().empty(); });
     a.setEnabledRule(Command::SelectAttached, [this] { return canSelectAttached(); });
-    a.setEnabledRule(Command::AddFaceLines, [this] { return FaceLinesCommand::isAvailable() && hasAnyImage() && !m_faceLines->isRunning(); });
+    a.setEnabledRule(Command::AddFaceLines,
+        [this] { return m_commands.faceFinding().isAvailable && hasAnyImage() && !m_faceLines->isRunning(); });
     a.setEnabledRule(Command::PlaceSelectionByPrediction, [selection] { return !selection().empty(); });
     a.setEnabledRule(Command::FlipSelectionHorizontally, [selection] { return !selection().empty(); });
     a.setEnabledRule(Command::ZoomIn, [this] { return hasAnyImage(); });
@@ -217,13 +219,17 @@ void MorphEditorWindowController::buildToolbar()
 {
     m_toolbar = new DocumentToolbar(this, *m_actions);
     connect(m_toolbar->lineColorWell(), &LineColorWell::colorChosen, this, &MorphEditorWindowController::lineColorChosen);
-    if (!FaceLinesCommand::isAvailable())
+    if (!m_commands.faceFinding().isAvailable)
         m_actions->action(Command::AddFaceLines)->setToolTip(tr("Face lines are not available in this build."));
 }
 
 void MorphEditorWindowController::buildFaceLines()
 {
-    m_faceLines = new FaceLinesCommand(*m_document, this);
+    const FaceFinding& finding = m_commands.faceFinding();
+    m_faceLines = new FaceLinesCommand(*m_document, finding.makeFinder(), finding.runner, this);
+    // The lines become a step of their own: a gesture in progress ends first, like
+    // before any other command.
+    m_faceLines->setBeforeAdding([this] { finishGestures(); });
     // "Finding the faces…" stays until the result replaces it.
     connect(m_faceLines, &FaceLinesCommand::statusChanged, this, [this](const QString& message) {
         statusBar()->showMessage(message, m_faceLines->isRunning() ? 0 : kStatusMessageMs);
@@ -272,6 +278,8 @@ void MorphEditorWindowController::fitEditors(std::array<bool, 2> refit)
 
 void MorphEditorWindowController::refreshState()
 {
+    // Face lines that waited for a change in the inspector to end.
+    m_faceLines->addWaitingLines();
     fitEditorsToNewImages();
     m_actions->refresh();
     m_toolbar->lineColorWell()->setColor(m_document->lineColor()->toQColor());

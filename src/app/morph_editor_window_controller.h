@@ -58,6 +58,7 @@ public:
     WindowActions& actions() const { return *m_actions; }
     DocumentToolbar& toolbar() const { return *m_toolbar; }
     bool hasTexturedBackground() const { return m_textured; }
+    FaceLinesCommand& faceLinesCommand() const { return *m_faceLines; }
     PreviewDock* previewDock() const { return m_previewDock; }
     /// The render windows, made on first request; null before.
     FrameWindow* frameWindow() const;

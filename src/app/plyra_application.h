@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/application_commands.h"
+#include "app/face_finding.h"
 
 #include <QObject>
 #include <QPointer>
@@ -62,6 +63,9 @@ public:
     void showHelp(const QString& page) override;
     void checkForUpdates() override;
     void showAbout() override;
+    const FaceFinding& faceFinding() const override { return m_faceFinding; }
+    /// For the windows opened from now on (tests).
+    void setFaceFinding(FaceFinding finding) { m_faceFinding = std::move(finding); }
 
 signals:
     /// Every document is closed, or the user quit.
@@ -73,6 +77,7 @@ private:
     std::unique_ptr<DocumentManager> m_documents;
     std::unique_ptr<MorphAppController> m_appController;
     QPointer<HelpWindow> m_help;
+    FaceFinding m_faceFinding = FaceFinding::installed();
 };
 
 } // namespace plyra

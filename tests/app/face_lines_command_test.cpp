@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "app/face_finding.h"
 #include "app/face_lines_command.h"
 #include "app_test_support.h"
 #include "face/face_chains.h"
@@ -9,12 +10,17 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <atomic>
+#include <stdexcept>
+#include <thread>
+
 using namespace plyra;
 using namespace plyra::test;
 
 namespace {
 
 constexpr int kFacelessWidth = 41;
+constexpr int kFailingWidth = 43;
 
 // A face whose landmarks spread over a grid, moved a little in the last image.
 FaceLandmarks gridFace(float shift)
@@ -25,11 +31,14 @@ FaceLandmarks gridFace(float shift)
     return face;
 }
 
-// Images of the faceless width show no face.
-std::optional<FaceLandmarks> fakeFinder(const Image& image)
+// Images of the faceless width show no face; at the failing width the search fails as
+// OpenCV's errors make it.
+std::optional<FaceLandmarks> fakeFinder(const Image& image, const FaceLinesCommand::Stop&)
 {
     if (image.extent().width == kFacelessWidth)
         return std::nullopt;
+    if (image.extent().width == kFailingWidth)
+        throw std::runtime_error("out of memory in forward()");
     return gridFace(image.extent().width > 45 ? 0.02f : 0.0f);
 }
 
@@ -86,6 +95,9 @@ private slots:
         QTest::newRow("no last image") << 40 << 0 << QStringLiteral("No face found in the last image.");
         QTest::newRow("no face in the first") << kFacelessWidth << 50 << QStringLiteral("No face found in the first image.");
         QTest::newRow("no face in the last") << 40 << kFacelessWidth << QStringLiteral("No face found in the last image.");
+        QTest::newRow("the search fails") << 40 << kFailingWidth
+                                          << QStringLiteral("The faces could not be searched: out of memory in forward()");
+        QTest::newRow("networks that do not load") << 40 << 0 << QStringLiteral("The faces could not be searched: the face networks do not load");
     }
 
     void missingFacesAddNothingAndSaySo()
@@ -98,7 +110,12 @@ private slots:
             setImage(1, lastWidth);
         endPass();
         const int steps = m_document->undoManager().undoStepCount();
-        FaceLinesCommand command(*m_document, fakeFinder, deferredRunner());
+        // Files that are no networks: the installed finder's loading fails.
+        const QString garbage = m_dir.filePath(QStringLiteral("garbage.onnx"));
+        QFile(garbage).open(QIODevice::WriteOnly);
+        const FaceModelFiles files{garbage.toStdString(), garbage.toStdString()};
+        FaceLinesCommand command(*m_document, status.contains(QStringLiteral("do not load")) ? FaceFinding::fromFiles(files).makeFinder() : fakeFinder,
+            deferredRunner());
         QSignalSpy statuses(&command, &FaceLinesCommand::statusChanged);
         command.run();
         QVERIFY(command.isRunning());
@@ -106,7 +123,7 @@ private slots:
         endPass();
         QVERIFY(!command.isRunning());
         QCOMPARE(statuses.size(), 2);
-        QCOMPARE(statuses.at(1).at(0).toString(), status);
+        QVERIFY2(statuses.at(1).at(0).toString().startsWith(status), qPrintable(statuses.at(1).at(0).toString()));
         QVERIFY(m_document->morphLines().empty());
         QCOMPARE(m_document->undoManager().undoStepCount(), steps);
     }
@@ -160,6 +177,58 @@ private slots:
         endPass();
         QVERIFY(statuses.last().at(0).toString().startsWith(QStringLiteral("The images changed")));
         QVERIFY(m_document->morphLines().empty());
+    }
+
+    // A result that comes while an undo group is open (a drag in the inspector) waits: the
+    // lines never join that step, and come as their own once it ends.
+    void linesWaitForAnOpenUndoGroup()
+    {
+        setImage(0, 40);
+        setImage(1, 50);
+        endPass();
+        FaceLinesCommand command(*m_document, fakeFinder, deferredRunner());
+        int hooks = 0;
+        command.setBeforeAdding([&hooks] { ++hooks; });
+        QSignalSpy statuses(&command, &FaceLinesCommand::statusChanged);
+        command.run();
+        UndoManager& undo = m_document->undoManager();
+        undo.beginUndoGrouping();
+        m_document->addMorphLine(MorphLine::create());
+        undo.setActionName("New Line");
+        m_pendingJobs.front()();
+        endPass();
+        QCOMPARE(hooks, 1);
+        QVERIFY(command.isRunning());
+        QCOMPARE(m_document->morphLines().size(), 1u);
+        QCOMPARE(statuses.last().at(0).toString(), QStringLiteral("The face lines are added when the current change ends."));
+        undo.endUndoGrouping();
+        command.addWaitingLines();
+        endPass();
+        QVERIFY(!command.isRunning());
+        QCOMPARE(m_document->morphLines().size(), 1 + faceLineCount());
+        QCOMPARE(undo.undoActionName(), std::string("Add Face Lines"));
+        undo.undo();
+        endPass();
+        QCOMPARE(m_document->morphLines().size(), 1u);
+        QCOMPARE(undo.undoActionName(), std::string("New Line"));
+    }
+
+    // Closing the window while the faces are searched stops the search and waits for it.
+    void destroyingTheCommandStopsTheSearch()
+    {
+        setImage(0, 40);
+        std::atomic<bool> stopped{false};
+        {
+            FaceLinesCommand command(*m_document, [&stopped](const Image&, const FaceLinesCommand::Stop& stop) {
+                while (!stop())
+                    std::this_thread::yield();
+                stopped = true;
+                return std::optional<FaceLandmarks>();
+            });
+            command.run();
+        }
+        QVERIFY(stopped);
+        endPass(); // the dropped result reaches no one
     }
 };
 

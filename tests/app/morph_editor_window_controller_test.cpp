@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/document_manager.h"
 #include "app/document_toolbar.h"
+#include "app/face_finding.h"
 #include "app/image_chooser.h"
 #include "app/image_problem_bar.h"
 #include "app/line_color_well.h"
@@ -89,6 +90,30 @@ private:
         }
         document().addMorphLine(line);
         return line;
+    }
+
+    // A window whose Add Face Lines finds a face of points spread over each image, the
+    // search running when the test runs the jobs.
+    MorphEditorWindowController* windowFindingFaces(bool available, std::vector<std::function<void()>>& jobs)
+    {
+        FaceFinding finding;
+        finding.isAvailable = available;
+        finding.makeFinder = [] {
+            return [](const Image&, const FaceLinesCommand::Stop&) {
+                FaceLandmarks face;
+                for (std::size_t i = 0; i < kFaceLandmarkCount; ++i)
+                    face.points.push_back({0.1f + 0.8f * static_cast<float>(i % 22) / 22.0f, 0.1f + 0.8f * static_cast<float>(i / 22) / 22.0f});
+                return std::optional(face);
+            };
+        };
+        finding.runner = [&jobs](std::function<void()> job) { jobs.push_back(std::move(job)); };
+        m_app->setFaceFinding(std::move(finding));
+        MorphEditorWindowController* window = m_app->documents().newDocument();
+        QString reason;
+        for (unsigned track : {0u, 1u})
+            window->document().setImageFromFile(m_image, track, &reason);
+        endPass();
+        return window;
     }
 
 private slots:
@@ -449,6 +474,46 @@ private slots:
         document().setSelectedLines({addLine({0.1f, 0.1f}, {0.2f, 0.3f})});
         QVERIFY(enabled(Command::FlipSelectionHorizontally) && enabled(Command::PlaceSelectionByPrediction));
         UserDefaults::standard().remove(QStringLiteral("predictCounterparts"));
+    }
+
+    void faceLinesWithoutTheNetworksAreDisabledAndSayWhy()
+    {
+        std::vector<std::function<void()>> jobs;
+        for (const bool available : {false, true}) {
+            MorphEditorWindowController* window = windowFindingFaces(available, jobs);
+            window->actions().refresh();
+            QAction* action = window->toolbar().item(QStringLiteral("addFaceLines"))->action;
+            QCOMPARE(action, window->actions().action(Command::AddFaceLines));
+            QCOMPARE(action->isEnabled(), available);
+            QCOMPARE(action->toolTip() == QStringLiteral("Face lines are not available in this build."), !available);
+        }
+    }
+
+    // Drawing a chain of lines when the faces are found: the chain ends as it stands and
+    // stays one step, the face lines are the next; one undo takes only them away.
+    void faceLinesEndTheGestureInProgress()
+    {
+        std::vector<std::function<void()>> jobs;
+        MorphEditorWindowController* window = windowFindingFaces(true, jobs);
+        window->actions().action(Command::AddFaceLines)->trigger();
+        QCOMPARE(jobs.size(), 1u);
+        MorphEditor* editor = window->firstEditor();
+        QTest::mouseClick(editor, Qt::LeftButton, {}, QPoint(editor->width() / 4, editor->height() / 4));
+        QTest::mouseClick(editor, Qt::LeftButton, {}, QPoint(editor->width() / 2, editor->height() / 4));
+        QVERIFY(editor->isGestureActive());
+        QCOMPARE(window->document().morphLines().size(), 1u);
+        jobs.front()();
+        endPass();
+        QVERIFY(!editor->isGestureActive());
+        UndoManager& undo = window->document().undoManager();
+        QCOMPARE(window->document().morphLines().size(), 40u);
+        QCOMPARE(undo.undoActionName(), std::string("Add Face Lines"));
+        window->undo();
+        endPass();
+        QCOMPARE(window->document().morphLines().size(), 1u);
+        QVERIFY(undo.undoActionName() != "Add Face Lines");
+        QTest::mouseClick(editor, Qt::LeftButton, {}, QPoint(editor->width() / 2, editor->height() / 2));
+        QCOMPARE(window->document().morphLines().size(), 1u);
     }
 
     void menusUseStandardShortcuts()

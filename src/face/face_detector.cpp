@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string>
 
 namespace plyra::face_internal {
 namespace {
@@ -93,9 +94,16 @@ std::vector<FaceDetection> mergeOverlapping(std::vector<FaceDetection> candidate
 }
 
 FaceDetector::FaceDetector(const std::string& onnxPath)
-    : m_net(cv::dnn::readNetFromONNX(onnxPath))
+    : FaceDetector(cv::dnn::readNetFromONNX(onnxPath))
+{
+}
+
+FaceDetector::FaceDetector(cv::dnn::Net net)
+    : m_net(std::move(net))
     , m_anchors(shortRangeAnchors())
 {
+    // Another network under the same file name fails here, at loading.
+    run(cv::Mat::zeros(kInputSize, kInputSize, CV_8UC3));
 }
 
 std::array<cv::Mat, 2> FaceDetector::run(const cv::Mat& rgb)
@@ -103,6 +111,10 @@ std::array<cv::Mat, 2> FaceDetector::run(const cv::Mat& rgb)
     m_net.setInput(cv::dnn::blobFromImage(rgb, 1.0 / 127.5, {}, cv::Scalar::all(127.5)));
     std::vector<cv::Mat> outputs;
     m_net.forward(outputs, std::vector<cv::String>{"regressors", "classificators"});
+    if (outputs[0].total() != m_anchors.size() * kValuesPerBox || outputs[1].total() != m_anchors.size())
+        CV_Error(cv::Error::StsUnmatchedSizes, "the face detector gives " + std::to_string(outputs[0].total()) + " box values and "
+                + std::to_string(outputs[1].total()) + " scores, not " + std::to_string(m_anchors.size() * kValuesPerBox)
+                + " and " + std::to_string(m_anchors.size()));
     return {outputs[0], outputs[1]};
 }
 

@@ -47,15 +47,18 @@ class FaceDetector {
 public:
     static constexpr int kInputSize = 128;
 
-    /// Throws cv::Exception when the file is not a network OpenCV reads.
+    /// Throws cv::Exception when the file is not a network OpenCV reads, or when the
+    /// network's outputs are not those of the short-range detector.
     explicit FaceDetector(const std::string& onnxPath);
+    explicit FaceDetector(cv::dnn::Net net);
 
     /// The faces with a score of at least minScore, most confident first; small faces
     /// are looked for in searchTiles() when the whole picture shows none. Nothing once
     /// stop answers true, which it is asked before each look.
     std::vector<FaceDetection> detect(const FaceImageSource& image, const SearchStop& stop = {}, float minScore = 0.5f);
 
-    /// The network's raw outputs (boxes, scores) for an RGB picture of kInputSize pixels.
+    /// The network's raw outputs (boxes, scores) for an RGB picture of kInputSize pixels;
+    /// throws cv::Exception when their sizes do not fit the anchors.
     std::array<cv::Mat, 2> run(const cv::Mat& rgb);
 
 private:

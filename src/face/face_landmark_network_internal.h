@@ -23,13 +23,16 @@ class FaceLandmarkNetwork {
 public:
     static constexpr int kInputSize = 192;
 
-    /// Throws cv::Exception when the file is not a network OpenCV reads.
+    /// Throws cv::Exception when the file is not a network OpenCV reads, or when the
+    /// network's outputs are not those of the 468-point landmark network.
     explicit FaceLandmarkNetwork(const std::string& onnxPath);
+    explicit FaceLandmarkNetwork(cv::dnn::Net net);
 
     RegionLandmarks landmarks(const FaceImageSource& image, const FaceRegion& region);
 
     /// The network's raw outputs (x, y, z per point in crop pixels; the face score before
-    /// the logistic function) for an RGB crop of kInputSize pixels.
+    /// the logistic function) for an RGB crop of kInputSize pixels. Throws cv::Exception
+    /// when the network gives another number of values.
     std::vector<float> run(const cv::Mat& rgb, float* faceScore);
 
 private:

@@ -5,6 +5,7 @@
 #include "face/face_landmark_network_internal.h"
 
 #include <algorithm>
+#include <stdexcept>
 
 namespace plyra {
 namespace {
@@ -30,15 +31,6 @@ FaceLandmarker::FaceLandmarker(std::unique_ptr<Networks> networks)
 
 FaceLandmarker::~FaceLandmarker() = default;
 
-std::unique_ptr<FaceLandmarker> FaceLandmarker::create(std::string* error)
-{
-    if (const std::optional<FaceModelFiles> files = FaceModelFiles::find())
-        return create(*files, error);
-    if (error)
-        *error = "the face networks are not installed";
-    return nullptr;
-}
-
 std::unique_ptr<FaceLandmarker> FaceLandmarker::create(const FaceModelFiles& files, std::string* error)
 {
     try {
@@ -46,12 +38,22 @@ std::unique_ptr<FaceLandmarker> FaceLandmarker::create(const FaceModelFiles& fil
             Networks{FaceDetector(files.detector.string()), FaceLandmarkNetwork(files.landmarks.string())})));
     } catch (const cv::Exception& e) {
         if (error)
-            *error = "the face networks do not load: " + e.msg;
+            *error = "the face networks do not load: " + e.err;
         return nullptr;
     }
 }
 
 std::optional<FaceLandmarks> FaceLandmarker::find(const Image& image, const Stop& stop)
+{
+    try {
+        return search(image, stop);
+    } catch (const cv::Exception& e) {
+        // OpenCV's own message names its source file and function: the reason is enough.
+        throw std::runtime_error(e.err);
+    }
+}
+
+std::optional<FaceLandmarks> FaceLandmarker::search(const Image& image, const Stop& stop)
 {
     const FaceImageSource source(image);
     if (!source.isValid())

@@ -18,9 +18,8 @@ namespace plyra {
 /// Threads: one thread at a time per landmarker (any thread); the image may be shared.
 class FaceLandmarker {
 public:
-    /// A landmarker over the installed networks; null, with a reason in error, when this
-    /// build has none or they do not load.
-    static std::unique_ptr<FaceLandmarker> create(std::string* error = nullptr);
+    /// A landmarker over the networks in files; null, with a reason in error, when they
+    /// do not load.
     static std::unique_ptr<FaceLandmarker> create(const FaceModelFiles& files, std::string* error = nullptr);
     ~FaceLandmarker();
     FaceLandmarker(const FaceLandmarker&) = delete;
@@ -30,11 +29,12 @@ public:
     using Stop = std::function<bool()>;
 
     /// The landmarks of the largest face; none when the image (a bitmap image) shows no
-    /// face the networks are sure of, or when stop answered true. OpenCV's errors
-    /// (cv::Exception) and a failed allocation (std::bad_alloc) pass through.
+    /// face the networks are sure of, or when stop answered true. Throws
+    /// std::runtime_error when the networks fail (what() says why) and std::bad_alloc.
     std::optional<FaceLandmarks> find(const Image& image, const Stop& stop = {});
 
 private:
+    std::optional<FaceLandmarks> search(const Image& image, const Stop& stop);
     struct Networks;
     explicit FaceLandmarker(std::unique_ptr<Networks> networks);
     std::unique_ptr<Networks> m_networks;

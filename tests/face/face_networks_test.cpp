@@ -73,5 +73,41 @@ TEST(FaceNetworks, ConvertedNetworksComputeWhatTfLiteComputes)
     }
 }
 
+// A network that gives its input picture back under the output names the code reads.
+cv::dnn::Net echoNetwork(const std::vector<std::string>& outputs)
+{
+    cv::dnn::Net net;
+    for (const std::string& name : outputs) {
+        cv::dnn::LayerParams params;
+        const int id = net.addLayer(name, "Flatten", params);
+        net.connect(0, 0, id, 0);
+    }
+    return net;
+}
+
+// Networks with other outputs are refused when they load, with a message that says so,
+// instead of being read past their end.
+TEST(FaceNetworks, NetworksWithOtherOutputsDoNotLoad)
+{
+    const struct {
+        const char* name;
+        std::function<void()> load;
+        const char* message;
+    } cases[] = {
+        {"landmarks", [] { FaceLandmarkNetwork(echoNetwork({"conv2d_21", "conv2d_31"})); },
+            "the landmark network gives 110592 coordinates and 110592 scores, not 1404 and 1"},
+        {"detector", [] { FaceDetector(echoNetwork({"regressors", "classificators"})); },
+            "the face detector gives 49152 box values and 49152 scores, not 14336 and 896"},
+    };
+    for (const auto& c : cases) {
+        try {
+            c.load();
+            ADD_FAILURE() << c.name << " loaded";
+        } catch (const cv::Exception& e) {
+            EXPECT_EQ(e.err, c.message) << c.name;
+        }
+    }
+}
+
 } // namespace
 } // namespace plyra

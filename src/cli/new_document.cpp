@@ -5,8 +5,12 @@
 #include "face/face_landmarker.h"
 #include "face/face_lines.h"
 #include "model/morph_document.h"
+#include "platform/stop_request.h"
 
+#include <array>
 #include <filesystem>
+#include <optional>
+#include <stdexcept>
 #include <ostream>
 
 namespace plyra {
@@ -55,40 +59,56 @@ bool setImages(const CliOptions& options, MorphDocument& document, std::ostream&
     for (unsigned track = 0; track < 2; ++track) {
         QString reason;
         if (!document.setImageFromFile(QString::fromStdString(paths[track]), track, &reason)) {
-            fail(err, std::string("cannot read ") + kTrackNames[track] + " '" + paths[track] + "': " + reason.toStdString());
+            // An interrupted read is said once, by the caller.
+            if (!StopRequest::isRequested())
+                fail(err, std::string("cannot read ") + kTrackNames[track] + " '" + paths[track] + "': " + reason.toStdString());
             return false;
         }
     }
     return true;
 }
 
-// Adds the face lines; false (and a message) when a face is missing or there are no
-// networks in this build.
-bool addFaceLines(const CliOptions& options, MorphDocument& document, std::ostream& err)
+// The landmarks of each image's face; none (and a message) when a face is missing, the
+// search fails, there are no networks in this build, or an interrupt stopped the search.
+std::optional<std::array<FaceLandmarks, 2>> findFaces(const CliOptions& options, const MorphDocument& document,
+    std::ostream& err)
 {
     const std::optional<FaceModelFiles> files = FaceModelFiles::find();
     if (!files) {
         fail(err, "face lines are not available in this build");
-        return false;
+        return std::nullopt;
     }
     std::string reason;
     const std::unique_ptr<FaceLandmarker> landmarker = FaceLandmarker::create(*files, &reason);
     if (!landmarker) {
         fail(err, "face lines are not available: " + reason);
-        return false;
+        return std::nullopt;
     }
     const std::string paths[2] = {options.firstImagePath, options.lastImagePath};
-    std::optional<FaceLandmarks> faces[2];
+    std::array<FaceLandmarks, 2> faces;
     for (unsigned track = 0; track < 2; ++track) {
-        faces[track] = landmarker->find(document.ciimageInTrack(track));
-        if (!faces[track]) {
-            fail(err, std::string("no face found in ") + kTrackNames[track] + " '" + paths[track] + "'");
-            return false;
+        std::optional<FaceLandmarks> face;
+        try {
+            face = landmarker->find(document.ciimageInTrack(track), [] { return StopRequest::isRequested(); });
+        } catch (const std::runtime_error& e) {
+            fail(err, std::string("cannot find the face in ") + kTrackNames[track] + " '" + paths[track] + "': " + e.what());
+            return std::nullopt;
         }
+        if (StopRequest::isRequested())
+            return std::nullopt;
+        if (!face) {
+            fail(err, std::string("no face found in ") + kTrackNames[track] + " '" + paths[track] + "'");
+            return std::nullopt;
+        }
+        faces[track] = std::move(*face);
     }
-    for (const MorphLine::Ptr& line : faceLines(*faces[0], *faces[1]))
-        document.addMorphLine(line);
-    return true;
+    return faces;
+}
+
+int interrupted(std::ostream& err)
+{
+    err << "plyra-render: interrupted; nothing was written\n";
+    return kExitInterrupted;
 }
 
 } // namespace
@@ -99,13 +119,25 @@ int runNewDocument(const CliOptions& options, std::ostream& out, std::ostream& e
         return kExitFailure;
     MorphDocument document;
     document.undoManager().disableUndoRegistration();
-    if (!setImages(options, document, err))
+    // An interrupt while the images load or the faces are searched ends the run before
+    // anything is written.
+    const bool read = setImages(options, document, err);
+    if (StopRequest::isRequested())
+        return interrupted(err);
+    if (!read)
         return kExitFailure;
-    if (options.faceLines && !addFaceLines(options, document, err))
-        return kExitFailure;
+    if (options.faceLines) {
+        const std::optional<std::array<FaceLandmarks, 2>> faces = findFaces(options, document, err);
+        if (StopRequest::isRequested())
+            return interrupted(err);
+        if (!faces)
+            return kExitFailure;
+        for (const MorphLine::Ptr& line : faceLines((*faces)[0], (*faces)[1]))
+            document.addMorphLine(line);
+    }
     QString reason;
     if (!document.writeToFile(QString::fromStdString(options.outputPath), &reason))
-        return fail(err, "cannot write '" + options.outputPath + "': " + reason.toStdString());
+        return StopRequest::isRequested() ? interrupted(err) : fail(err, "cannot write '" + options.outputPath + "': " + reason.toStdString());
     if (!options.quiet)
         out << "plyra-render: wrote " << options.outputPath << " (" << document.morphLines().size() << " lines)\n";
     return kExitSuccess;

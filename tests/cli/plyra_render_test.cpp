@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
+#include "cli/cli_options.h"
+#include "cli/cli_runner.h"
 #include "model/morph_document.h"
 #include "platform/movie/movie.h"
 #include "platform/movie_test_support.h"
 #include "platform/qt/user_defaults.h"
 #include "platform/run_loop.h"
+#include "platform/stop_request.h"
 
 #include <QDir>
 #include <QFile>
@@ -20,6 +23,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstring>
+#include <sstream>
 
 namespace plyra {
 namespace {
@@ -267,6 +271,30 @@ TEST_F(PlyraRenderTest, NewRefusesBadInputsAndOutputsWritingNothing)
     EXPECT_TRUE(faceless.err.contains("no face found in the first image") || faceless.err.contains("not available in this build"))
         << faceless.err.toStdString();
     EXPECT_FALSE(QFile::exists(fresh));
+}
+
+// An interrupt (the signal watcher's stop request) ends --new before anything is written,
+// with and without the face search.
+TEST_F(PlyraRenderTest, NewStopsAtAnInterruptWritingNothing)
+{
+    const QString photos = QStringLiteral(PLYRA_TEST_DATA "/photos/");
+    const QString fresh = dir.filePath(u"new.plyra"_s);
+    for (const bool faceLines : {false, true}) {
+        CliOptions options;
+        options.mode = CliMode::NewDocument;
+        options.firstImagePath = (photos + u"ast_face.png"_s).toStdString();
+        options.lastImagePath = (photos + u"hopper_face.png"_s).toStdString();
+        options.outputPath = fresh.toStdString();
+        options.faceLines = faceLines;
+        std::ostringstream out;
+        std::ostringstream err;
+        StopRequest::request();
+        const int status = runCli(options, out, err);
+        StopRequest::clear();
+        EXPECT_EQ(status, kExitInterrupted) << faceLines;
+        EXPECT_EQ(err.str(), "plyra-render: interrupted; nothing was written\n");
+        EXPECT_FALSE(QFile::exists(fresh)) << faceLines;
+    }
 }
 
 // Two portraits become a document with their face lines, which then renders as a movie.

@@ -16,7 +16,7 @@ trap 'rm -f "$PLYRA_DEFAULTS_FILE"' EXIT
 configure() { # build-dir, extra cmake arguments...
     local dir=$1
     shift
-    cmake -S . -B "$dir" -G Ninja -Wno-dev "$@" > /dev/null
+    cmake -S . -B "$dir" -G Ninja -Wno-dev -DPLYRA_PRECOMPILE_HEADERS=ON "$@" > /dev/null
 }
 
 echo "== Release build and tests"

@@ -13,7 +13,7 @@ bool isReservedTag(std::uint8_t byte)
     return byte >= 0x80 && byte <= 0x91;
 }
 
-std::string quoted(std::string_view text)
+std::string quotedText(std::string_view text)
 {
     return "'" + std::string(text) + "'";
 }
@@ -151,8 +151,8 @@ void TypedStreamReader::expectTypes(std::string_view expected)
     const std::size_t at = m_offset;
     const std::optional<std::string> types = readSharedString();
     if (!types || *types != expected) {
-        throw TypedStreamError("expected values of type " + quoted(expected) + ", found "
-                               + (types ? quoted(*types) : std::string("nil")) + " at byte "
+        throw TypedStreamError("expected values of type " + quotedText(expected) + ", found "
+                               + (types ? quotedText(*types) : std::string("nil")) + " at byte "
                                + std::to_string(at));
     }
 }

@@ -35,6 +35,10 @@ public:
     virtual ViewRect selectionRect() const { return {}; }
     /// Whether the selection's transform frame stays shown while the gesture runs.
     virtual bool showsTransformFrame() const { return false; }
+    /// Whether the lines are drawn without antialiasing while the gesture runs: a drag
+    /// that moves many lines at every mouse move, where speed matters more than smooth
+    /// edges. The view is drawn smooth again when the gesture ends.
+    virtual bool drawsRoughly() const { return false; }
 
 protected:
     explicit EditorGesture(const EditorContext& context)

@@ -38,6 +38,8 @@ struct EditorScene {
     ViewRect selectionRect;
     /// The box of the selection's transform frame, drawn with its eight handles.
     std::optional<ViewRect> transformFrame;
+    /// Lines, knobs and overlays drawn with smooth edges; rough ones draw faster.
+    bool antialiased = true;
     /// The part of the view that can be seen, in widget coordinates.
     QRect visibleRect;
     /// A frame around the visible part while a usable file is dragged over the view.

@@ -167,6 +167,7 @@ EditorScene MorphEditor::scene(const QRect& visible)
     if (m_gesture) {
         scene.overlay = m_gesture->overlay();
         scene.selectionRect = m_gesture->selectionRect();
+        scene.antialiased = !m_gesture->drawsRoughly();
     }
     if (const std::optional<TransformFrame> frame = shownTransformFrame())
         scene.transformFrame = frame->box();

@@ -24,6 +24,7 @@ void ScaledImageCache::setImage(const QImage& image)
         return;
     m_pyramid.emplace(image);
     m_key = image.cacheKey();
+    m_opaque = !image.hasAlphaChannel();
     m_displaySize = image.size();
 }
 
@@ -41,6 +42,14 @@ QSize ScaledImageCache::adjustedDisplaySize(QSize current, QSize viewSize)
     const bool widthOff = std::abs(current.width() - viewSize.width()) > 1;
     const bool heightOff = std::abs(current.height() - viewSize.height()) > 1;
     return widthOff || heightOff ? viewSize : current;
+}
+
+QRect ScaledImageCache::opaqueArea(QSize viewSize, qreal opacity) const
+{
+    if (!m_pyramid || !m_opaque || opacity < 1.0)
+        return {};
+    const QSize display = adjustedDisplaySize(m_displaySize, viewSize);
+    return QRect(0, viewSize.height() - display.height(), display.width(), display.height());
 }
 
 QRect ScaledImageCache::imageRect(QSize viewSize) const

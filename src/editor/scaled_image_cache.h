@@ -32,6 +32,10 @@ public:
     /// left; visible is the part of the view that can be seen (widget coordinates).
     void draw(QPainter& painter, const QRegion& dirty, QSize viewSize, const QRect& visible, qreal opacity);
 
+    /// The part of the view (widget coordinates) that draw() covers with opaque pixels at
+    /// this opacity; empty for an image with an alpha channel or a faint one.
+    QRect opaqueArea(QSize viewSize, qreal opacity) const;
+
     /// The display size after drawing in a view of viewSize: the view's size, unless the
     /// current display size is within 1 unit of it in both directions.
     static QSize adjustedDisplaySize(QSize current, QSize viewSize);
@@ -47,6 +51,7 @@ private:
 
     std::optional<ImagePyramid> m_pyramid;
     qint64 m_key = 0;
+    bool m_opaque = false;
     QSize m_displaySize;
     QImage m_scaled;
     QRect m_scaledRect;

@@ -22,6 +22,7 @@ public:
     void finish() override;
     bool tracksKeys() const override { return true; }
     bool showsTransformFrame() const override { return true; }
+    bool drawsRoughly() const override { return true; }
 
 private:
     AffineTransform transformTo(Point pointer, Qt::KeyboardModifiers modifiers) const;

@@ -250,6 +250,10 @@
         <source>Flip Lines</source>
         <translation>Linien spiegeln</translation>
     </message>
+    <message>
+        <source>Duplicate Lines</source>
+        <translation>Linien duplizieren</translation>
+    </message>
 </context>
 <context>
     <name>WindowActions</name>
@@ -412,6 +416,10 @@
     <message>
         <source>Flip Selection &amp;Horizontally</source>
         <translation>Auswahl &amp;horizontal spiegeln</translation>
+    </message>
+    <message>
+        <source>Dup&amp;licate</source>
+        <translation>&amp;Duplizieren</translation>
     </message>
 </context>
 <context>

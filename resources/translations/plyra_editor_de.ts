@@ -34,6 +34,10 @@
         <source>Transform Lines</source>
         <translation>Linien transformieren</translation>
     </message>
+    <message>
+        <source>Duplicate Lines</source>
+        <translation>Linien duplizieren</translation>
+    </message>
 </context>
 <context>
     <name>plyra::MorphEditor</name>

@@ -59,7 +59,7 @@ void buildMainMenu(QMenuBar* bar, WindowActions& actions, ApplicationCommands& c
     edit->setObjectName(QStringLiteral("editMenu"));
     addActions(edit, actions, {Command::Undo, Command::Redo});
     edit->addSeparator();
-    addActions(edit, actions, {Command::Delete, Command::SelectAll, Command::SelectNone, Command::SelectAttached});
+    addActions(edit, actions, {Command::Duplicate, Command::Delete, Command::SelectAll, Command::SelectNone, Command::SelectAttached});
     edit->addSeparator();
     addActions(edit, actions, {Command::AddFaceLines});
     addActions(edit, actions, {Command::PredictCounterparts, Command::PlaceSelectionByPrediction,

@@ -165,6 +165,7 @@ void MorphEditorWindowController::buildActions()
     a.setHandler(Command::Quit, [this] { m_commands.quit(); });
     a.setHandler(Command::Undo, [this] { undo(); });
     a.setHandler(Command::Redo, [this] { redo(); });
+    a.setHandler(Command::Duplicate, [this] { finishGestures(); focusedEditor()->duplicateSelection(); });
     a.setHandler(Command::Delete, [this] { finishGestures(); focusedEditor()->clear(); });
     a.setHandler(Command::SelectAll, [this] { finishGestures(); focusedEditor()->selectAll(); });
     a.setHandler(Command::SelectNone, [this] { finishGestures(); focusedEditor()->selectNone(); });
@@ -198,6 +199,7 @@ void MorphEditorWindowController::buildActions()
     a.setEnabledRule(Command::Revert, [this] { return !m_filePath.isEmpty() && m_document->isEdited(); });
     a.setEnabledRule(Command::Undo, [this] { return m_document->undoManager().canUndo(); });
     a.setEnabledRule(Command::Redo, [this] { return m_document->undoManager().canRedo(); });
+    a.setEnabledRule(Command::Duplicate, [selection] { return !selection().empty(); });
     a.setEnabledRule(Command::Delete, [selection] { return !selection().empty(); });
     a.setEnabledRule(Command::SelectAll, [lines, selection] { return lines().size() != selection().size(); });
     a.setEnabledRule(Command::SelectNone, [selection] { return !selection().empty(); });

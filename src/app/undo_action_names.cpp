@@ -20,6 +20,7 @@ namespace {
     QT_TRANSLATE_NOOP("UndoAction", "Add Face Lines"),
     QT_TRANSLATE_NOOP("UndoAction", "Transform Lines"),
     QT_TRANSLATE_NOOP("UndoAction", "Flip Lines"),
+    QT_TRANSLATE_NOOP("UndoAction", "Duplicate Lines"),
 };
 
 } // namespace

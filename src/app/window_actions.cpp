@@ -40,6 +40,7 @@ const std::vector<CommandInfo>& commandTable()
         {Command::Quit, "quit", QT_TRANSLATE_NOOP("WindowActions", "&Quit"), QKeySequence::Quit, "application-exit"},
         {Command::Undo, "undo", QT_TRANSLATE_NOOP("WindowActions", "&Undo"), QKeySequence::Undo, "edit-undo"},
         {Command::Redo, "redo", QT_TRANSLATE_NOOP("WindowActions", "&Redo"), QKeySequence::Redo, "edit-redo"},
+        {Command::Duplicate, "duplicate", QT_TRANSLATE_NOOP("WindowActions", "Dup&licate"), QKeySequence(QStringLiteral("Ctrl+D")), "edit-copy"},
         {Command::Delete, "delete", QT_TRANSLATE_NOOP("WindowActions", "&Delete"), QKeySequence::Delete, "edit-delete"},
         {Command::SelectAll, "selectAll", QT_TRANSLATE_NOOP("WindowActions", "Select &All"), QKeySequence::SelectAll, "edit-select-all"},
         {Command::SelectNone, "selectNone", QT_TRANSLATE_NOOP("WindowActions", "Select &None"), QKeySequence(QStringLiteral("Ctrl+Shift+A"))},

@@ -14,7 +14,7 @@ namespace plyra {
 /// Every command of a document window, in its menus, its toolbar or both.
 enum class Command {
     NewDocument, Open, ChooseFirstImage, ChooseLastImage, Close, Save, SaveAs, Revert, Quit,
-    Undo, Redo, Delete, SelectAll, SelectNone, SelectAttached, AddFaceLines,
+    Undo, Redo, Duplicate, Delete, SelectAll, SelectNone, SelectAttached, AddFaceLines,
     PredictCounterparts, PlaceSelectionByPrediction, FlipSelectionHorizontally,
     ZoomIn, ZoomOut, ZoomToFit, ActualSize, CenterSelection, TogglePreview, ToggleInspector, ShowInspector, ShowColors, CustomizeToolbar,
     RenderImage, RenderMovie,

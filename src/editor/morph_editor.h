@@ -86,6 +86,9 @@ public slots:
     /// Sizes the editor to the largest size of its image's aspect ratio that fits the
     /// enclosing scroll area, then centres the selection. Nothing without an image.
     void sizeToFit();
+    /// Adds a copy of the selected lines, a few units right of and below them in both
+    /// tracks, and selects it instead (one undo step).
+    void duplicateSelection();
     /// Mirrors the selected points of this editor's track about the vertical centre line
     /// of their box (one undo step).
     void flipSelectionHorizontally();

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 // The editor's transform frame around a selection (drawing, the pointer over its
-// handles), flipping the selection, and placing it by prediction.
+// handles), duplicating and flipping the selection, and placing it by prediction.
 #include "editor/morph_editor.h"
 
 #include "editor/counterpart_placement.h"
 #include "editor/editor_gesture.h"
+#include "editor/line_duplication.h"
 #include "editor/selection_points.h"
 #include "model/morph_editor_data_source.h"
 
@@ -91,6 +92,17 @@ void MorphEditor::updateHoverCursor(Point p)
         setCursor(cursorFor(*hit));
     else
         unsetCursor();
+}
+
+void MorphEditor::duplicateSelection()
+{
+    if (!m_context.dataSource || m_context.mapping.width <= 0.0f || m_context.mapping.height <= 0.0f)
+        return;
+    finishGesture();
+    // Right and down by a few units of this view, so that the copy shows beside the original.
+    constexpr float kOffset = 10.0f;
+    duplicateSelectedLines(*m_context.dataSource, {kOffset / m_context.mapping.width, -kOffset / m_context.mapping.height});
+    syncLines();
 }
 
 void MorphEditor::flipSelectionHorizontally()

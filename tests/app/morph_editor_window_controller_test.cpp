@@ -470,9 +470,11 @@ private slots:
         QVERIFY(!UserDefaults::standard().boolean(QStringLiteral("predictCounterparts")));
         QVERIFY(!m_app->documents().newDocument()->lastEditor()->predictsCounterparts());
         // The selection commands need a selection.
-        QVERIFY(!enabled(Command::FlipSelectionHorizontally) && !enabled(Command::PlaceSelectionByPrediction));
+        QVERIFY(!enabled(Command::FlipSelectionHorizontally) && !enabled(Command::PlaceSelectionByPrediction)
+            && !enabled(Command::Duplicate));
         document().setSelectedLines({addLine({0.1f, 0.1f}, {0.2f, 0.3f})});
-        QVERIFY(enabled(Command::FlipSelectionHorizontally) && enabled(Command::PlaceSelectionByPrediction));
+        QVERIFY(enabled(Command::FlipSelectionHorizontally) && enabled(Command::PlaceSelectionByPrediction)
+            && enabled(Command::Duplicate));
         UserDefaults::standard().remove(QStringLiteral("predictCounterparts"));
     }
 

@@ -3,7 +3,8 @@
 last image shows the first turned, smaller and shifted, with three true line pairs; a line
 drawn with the mouse in the first image is saved with its counterpart at the mapped place
 in the last image; Select All, a drag of the frame's top-right corner scales the first
-image's lines about the opposite corner; Edit > Flip Selection Horizontally mirrors them."""
+image's lines about the opposite corner; Edit > Flip Selection Horizontally mirrors them;
+Ctrl+D adds a copy of them beside them."""
 
 import math
 import os
@@ -102,6 +103,13 @@ def test(display, scratch, binary, render_binary, demo):
         info = saved_after(plyra, render_binary, package, lambda i: points(i, 0)[0] != points(scaled_info, 0)[0])
         for old, new in zip(after, [p for line in points(info, 0) for p in line]):
             expect_near(new, (mirrored - old[0], old[1]), 1e-4, "a mirrored point")
+
+        # Edit > Duplicate: copies 10 pixels of the view right of and below the lines.
+        plyra.key("ctrl+d")
+        flipped = points(info, 0)
+        info = saved_after(plyra, render_binary, package, lambda i: len(i["lines"]) == 2 * len(flipped))
+        for old, new in zip([p for line in flipped for p in line], [p for line in points(info, 0)[4:] for p in line]):
+            expect_near(new, (old[0] + 10 / box[2], old[1] - 10 / box[3]), 1e-4, "a copied point")
         plyra.quit()
     finally:
         plyra.kill()

@@ -51,7 +51,9 @@ private slots:
     void handles_data();
     void handles();
     void handlesNeedTwoSelectedLinesAndEscapeCancels();
+    void pointerOverTheFrameShowsWhatAPressWouldDo();
     void flipMirrorsTheFocusedTrack();
+    void duplicateCopiesTheChainBesideItAndSelectsTheCopy();
 };
 
 // Two selected lines whose points span the box from (100, 100) to (200, 200), centre
@@ -137,6 +139,25 @@ void TransformHandlesTest::handlesNeedTwoSelectedLinesAndEscapeCancels()
     QCOMPARE(f.document.undoManager().undoStepCount(), 0);
 }
 
+void TransformHandlesTest::pointerOverTheFrameShowsWhatAPressWouldDo()
+{
+    EditorFixture f;
+    f.select({f.addLine({100, 100}, {200, 100}), f.addLine({100, 150}, {200, 200})});
+    f.settle();
+    const struct {
+        Point at;
+        Qt::CursorShape shape;
+    } rows[] = {
+        {{200, 200}, Qt::SizeBDiagCursor}, {{100, 200}, Qt::SizeFDiagCursor}, {{200, 150}, Qt::SizeHorCursor},
+        {{150, 100}, Qt::SizeVerCursor}, {{212, 212}, Qt::BitmapCursor}, {{88, 90}, Qt::BitmapCursor},
+        {{150, 150}, Qt::ArrowCursor}, {{230, 230}, Qt::ArrowCursor},
+    };
+    for (const auto& row : rows) {
+        f.move(row.at, Qt::NoButton);
+        QVERIFY2(f.editor->cursor().shape() == row.shape, QTest::toString(row.at));
+    }
+}
+
 void TransformHandlesTest::flipMirrorsTheFocusedTrack()
 {
     EditorFixture f;
@@ -156,6 +177,35 @@ void TransformHandlesTest::flipMirrorsTheFocusedTrack()
     QCOMPARE(QString::fromStdString(undo.undoActionName()), QStringLiteral("Flip Lines"));
     undo.undo();
     QCOMPARE(f.ends(chain[1], 1).end, (Point{220, 120}));
+}
+
+void TransformHandlesTest::duplicateCopiesTheChainBesideItAndSelectsTheCopy()
+{
+    EditorFixture f;
+    const auto chain = f.addChain({{100, 100}, {140, 180}, {220, 120}});
+    f.addLine({300, 50}, {350, 60});
+    f.select({chain[1], chain[0]});
+    f.settle();
+    f.editor->duplicateSelection();
+    f.endPass();
+    const std::vector<MorphLine::Ptr>& lines = f.document.morphLines();
+    QCOMPARE(lines.size(), std::size_t(5));
+    // Copies in the document's order, 10 units right and down on both tracks, joined alike.
+    for (unsigned track : {0u, 1u}) {
+        QCOMPARE(f.ends(lines[3], track).start, (Point{110, 90}));
+        QCOMPARE(f.ends(lines[3], track).end, (Point{150, 170}));
+        QCOMPARE(f.ends(lines[4], track).end, (Point{230, 110}));
+    }
+    QCOMPARE(lines[3]->attachedLineAtEnd(), lines[4]);
+    QCOMPARE(chain[0]->attachedLineAtEnd(), chain[1]);
+    QCOMPARE(f.selection(), (std::vector<int>{3, 4}));
+    UndoManager& undo = f.document.undoManager();
+    QCOMPARE(undo.undoStepCount(), 1);
+    QCOMPARE(QString::fromStdString(undo.undoActionName()), QStringLiteral("Duplicate Lines"));
+    undo.undo();
+    f.endPass();
+    QCOMPARE(lines.size(), std::size_t(3));
+    QCOMPARE(f.selection(), (std::vector<int>{1, 0}));
 }
 
 QTEST_MAIN(TransformHandlesTest)

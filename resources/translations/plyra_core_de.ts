@@ -372,23 +372,4 @@
         <translation>das Lesen des Bildes wurde abgebrochen</translation>
     </message>
 </context>
-<context>
-    <name>UndoAction</name>
-    <message>
-        <source>New Line</source>
-        <translation>Neue Linie</translation>
-    </message>
-    <message>
-        <source>Delete Line</source>
-        <translation>Linie löschen</translation>
-    </message>
-    <message>
-        <source>Set Image</source>
-        <translation>Bild setzen</translation>
-    </message>
-    <message>
-        <source>Change colour</source>
-        <translation>Farbe ändern</translation>
-    </message>
-</context>
 </TS>

@@ -21,25 +21,6 @@
     </message>
 </context>
 <context>
-    <name>UndoAction</name>
-    <message>
-        <source>Create lines</source>
-        <translation>Linien erstellen</translation>
-    </message>
-    <message>
-        <source>Flip Lines</source>
-        <translation>Linien spiegeln</translation>
-    </message>
-    <message>
-        <source>Transform Lines</source>
-        <translation>Linien transformieren</translation>
-    </message>
-    <message>
-        <source>Duplicate Lines</source>
-        <translation>Linien duplizieren</translation>
-    </message>
-</context>
-<context>
     <name>plyra::MorphEditor</name>
     <message>
         <source>Line editor</source>

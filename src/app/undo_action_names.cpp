@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The names of undoable actions, as the model and the editors set them (English keys,
-// kept untranslated in the undo manager). The Edit menu translates them in the context
-// "UndoAction"; listing them here puts them into the translation sources.
+// The names of undoable actions, as the model, the editors and the commands set them:
+// English keys, kept untranslated in the undo manager, so that the Edit menu translates
+// them once, in the context "UndoAction", in whatever language it shows. This list is the
+// one place that puts them into the translation sources; a new name goes here.
 #include <QtGlobal>
 
 namespace plyra {
@@ -18,7 +19,11 @@ namespace {
     QT_TRANSLATE_NOOP("UndoAction", "Disconnect line"),
     QT_TRANSLATE_NOOP("UndoAction", "Create lines"),
     QT_TRANSLATE_NOOP("UndoAction", "Add Face Lines"),
+    QT_TRANSLATE_NOOP("UndoAction", "Flip Lines"),
     QT_TRANSLATE_NOOP("UndoAction", "Transform Lines"),
+    QT_TRANSLATE_NOOP("UndoAction", "Duplicate Lines"),
+    QT_TRANSLATE_NOOP("UndoAction", "Transform Lines"),
+    QT_TRANSLATE_NOOP("UndoAction", "Duplicate Lines"),
     QT_TRANSLATE_NOOP("UndoAction", "Flip Lines"),
     QT_TRANSLATE_NOOP("UndoAction", "Duplicate Lines"),
 };

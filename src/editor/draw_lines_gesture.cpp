@@ -6,8 +6,6 @@
 #include "model/morph_editor_data_source.h"
 #include "platform/undo_manager.h"
 
-#include <QtGlobal>
-
 namespace plyra {
 
 DrawLinesGesture::DrawLinesGesture(const EditorContext& context, const GestureEvent& press)
@@ -50,7 +48,7 @@ bool DrawLinesGesture::place(Point p, bool release)
     dataSource.insertObjectInSelectedLinesAtIndex(line, dataSource.selectedLines().size());
     if (m_previousLine) {
         m_previousLine->attachLineAtEnd(line, &dataSource.undoManager());
-        dataSource.undoManager().setActionName(QT_TRANSLATE_NOOP("UndoAction", "Create lines"));
+        dataSource.undoManager().setActionName("Create lines");
     }
     if (release)
         return true;

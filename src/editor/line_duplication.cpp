@@ -4,8 +4,6 @@
 #include "model/morph_editor_data_source.h"
 #include "platform/undo_manager.h"
 
-#include <QtGlobal>
-
 #include <unordered_map>
 
 namespace plyra {
@@ -50,7 +48,7 @@ void duplicateSelectedLines(MorphEditorDataSource& dataSource, Point offset)
             copies[i]->attachLineAtEnd(next->second, &undo);
     }
     dataSource.setSelectedLines(copies);
-    undo.setActionName(QT_TRANSLATE_NOOP("UndoAction", "Duplicate Lines"));
+    undo.setActionName("Duplicate Lines");
     undo.endUndoGrouping();
 }
 

@@ -5,9 +5,6 @@
 #include "model/morph_editor_data_source.h"
 #include "platform/undo_manager.h"
 
-#include <QtGlobal>
-
-
 namespace plyra {
 
 SelectionPoints::SelectionPoints(MorphEditorDataSource& dataSource, unsigned track, const ViewMapping& mapping)
@@ -76,7 +73,7 @@ void flipSelectionHorizontally(MorphEditorDataSource& dataSource, unsigned track
     undo.beginUndoGrouping();
     // x ↦ left + right − x.
     points.commit(AffineTransform{-1.0f, 0.0f, 0.0f, 1.0f, 2.0f * box->x + box->width, 0.0f});
-    undo.setActionName(QT_TRANSLATE_NOOP("UndoAction", "Flip Lines"));
+    undo.setActionName("Flip Lines");
     undo.endUndoGrouping();
 }
 

@@ -4,8 +4,6 @@
 #include "model/morph_editor_data_source.h"
 #include "platform/undo_manager.h"
 
-#include <QtGlobal>
-
 namespace plyra {
 
 TransformHandlesGesture::TransformHandlesGesture(const EditorContext& context, const GestureEvent& press,
@@ -61,7 +59,7 @@ void TransformHandlesGesture::end(bool keep)
     m_points.commit(m_current);
     // The editor holds the gesture's undo group open: a drag that changed nothing
     // leaves an empty group, which is dropped with its name.
-    m_context.dataSource->undoManager().setActionName(QT_TRANSLATE_NOOP("UndoAction", "Transform Lines"));
+    m_context.dataSource->undoManager().setActionName("Transform Lines");
 }
 
 } // namespace plyra

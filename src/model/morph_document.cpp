@@ -6,7 +6,6 @@
 #include "platform/qt/user_defaults.h"
 #include "platform/qt/user_defaults_keys.h"
 
-#include <QCoreApplication>
 #include <QFile>
 
 #include <algorithm>
@@ -73,7 +72,7 @@ void MorphDocument::insertObjectInMorphLinesAtIndex(const MorphLine::Ptr& line, 
     joinToCoincidingLine(line);
     m_morphLines.insert(m_morphLines.begin() + static_cast<std::ptrdiff_t>(index), line);
     // The name replaces "Connect line" from the join: both are one step.
-    registerUndo([this, line] { deleteMorphLine(line); }, QT_TRANSLATE_NOOP("UndoAction", "New Line"));
+    registerUndo([this, line] { deleteMorphLine(line); }, "New Line");
     postObjectsUpdated();
 }
 
@@ -117,7 +116,7 @@ void MorphDocument::removeObjectFromMorphLinesAtIndex(std::size_t index)
     line->disconnectLineAtEnd(&m_undoManager);
     m_morphLines.erase(m_morphLines.begin() + static_cast<std::ptrdiff_t>(index));
     registerUndo([this, line, index] { insertObjectInMorphLinesAtIndex(line, index); },
-        QT_TRANSLATE_NOOP("UndoAction", "Delete Line"));
+        "Delete Line");
     postObjectsUpdated();
     deselectLine(line);
 }
@@ -219,7 +218,7 @@ void MorphDocument::setImageFromURL(const QString& path, unsigned track, const Q
     if (frameSizeUnset && !path.isEmpty() && loaded)
         setFrameSize(loaded->size());
     registerUndo([this, oldPath, oldName, track] { setImageFromURL(oldPath, track, oldName); },
-        QT_TRANSLATE_NOOP("UndoAction", "Set Image"));
+        "Set Image");
     postObjectsUpdated();
 }
 
@@ -269,7 +268,7 @@ void MorphDocument::setLineColor(const LineColor::Ptr& color)
     if (color == m_lineColor)
         return;
     const LineColor::Ptr old = m_lineColor;
-    registerUndo([this, old] { setLineColor(old); }, QT_TRANSLATE_NOOP("UndoAction", "Change colour"));
+    registerUndo([this, old] { setLineColor(old); }, "Change colour");
     m_lineColor = color;
     // Only drawing depends on the colour, not rendered frames.
     postSelectionUpdated();

@@ -2,6 +2,17 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de_DE">
 <context>
+    <name>AnimatedGifWriter</name>
+    <message>
+        <source>Could not write &quot;%1&quot;: %2</source>
+        <translation>„%1“ konnte nicht geschrieben werden: %2</translation>
+    </message>
+    <message>
+        <source>Could not move the finished GIF to &quot;%1&quot;: %2</source>
+        <translation>Das fertige GIF konnte nicht nach „%1“ gebracht werden: %2</translation>
+    </message>
+</context>
+<context>
     <name>DisplayImage</name>
     <message>
         <source>reading the image was interrupted</source>
@@ -96,6 +107,10 @@
         <source>a frame is saved as .jpg, .jpeg, .png, .tif or .tiff</source>
         <translation>ein Einzelbild wird als .jpg, .jpeg, .png, .tif oder .tiff gespeichert</translation>
     </message>
+    <message>
+        <source>there is no frame to write</source>
+        <translation>es gibt kein Bild zum Schreiben</translation>
+    </message>
 </context>
 <context>
     <name>ImageLimits</name>
@@ -113,10 +128,32 @@
     </message>
 </context>
 <context>
+    <name>Movie</name>
+    <message>
+        <source>Could not make a temporary file in &quot;%1&quot;: %2</source>
+        <translation>In „%1“ konnte keine temporäre Datei angelegt werden: %2</translation>
+    </message>
+</context>
+<context>
     <name>MovieEncoder</name>
     <message>
         <source>The codec &quot;%1&quot; cannot compress frames of %2 x %3 pixels: %4</source>
         <translation>Der Codec „%1“ kann keine Bilder von %2 × %3 Pixeln komprimieren: %4</translation>
+    </message>
+    <message>
+        <source>No encoder here writes the codec &quot;%1&quot; into a QuickTime movie</source>
+        <translation>Kein Encoder auf diesem System schreibt den Codec „%1“ in einen QuickTime-Film</translation>
+    </message>
+    <message>
+        <source>A frame of %1 x %2 pixels cannot be compressed</source>
+        <translation>Ein Bild von %1 × %2 Pixeln kann nicht komprimiert werden</translation>
+    </message>
+</context>
+<context>
+    <name>MovieFileReader</name>
+    <message>
+        <source>Could not read the movie &quot;%1&quot;: %2</source>
+        <translation>Der Film „%1“ konnte nicht gelesen werden: %2</translation>
     </message>
 </context>
 <context>
@@ -124,6 +161,34 @@
     <message>
         <source>Could not write &quot;%1&quot;: the movie has no frames</source>
         <translation>„%1“ konnte nicht geschrieben werden: der Film hat keine Bilder</translation>
+    </message>
+    <message>
+        <source>Could not set up the movie file &quot;%1&quot;: %2</source>
+        <translation>Die Filmdatei „%1“ konnte nicht eingerichtet werden: %2</translation>
+    </message>
+    <message>
+        <source>Could not create &quot;%1&quot;: %2</source>
+        <translation>„%1“ konnte nicht angelegt werden: %2</translation>
+    </message>
+    <message>
+        <source>Could not start writing &quot;%1&quot;: %2</source>
+        <translation>Das Schreiben von „%1“ konnte nicht beginnen: %2</translation>
+    </message>
+    <message>
+        <source>Could not write a frame to &quot;%1&quot;: %2</source>
+        <translation>Ein Bild konnte nicht in „%1“ geschrieben werden: %2</translation>
+    </message>
+    <message>
+        <source>Could not finish &quot;%1&quot;: %2</source>
+        <translation>„%1“ konnte nicht fertiggestellt werden: %2</translation>
+    </message>
+    <message>
+        <source>Could not close &quot;%1&quot;: %2</source>
+        <translation>„%1“ konnte nicht geschlossen werden: %2</translation>
+    </message>
+    <message>
+        <source>Could not move the finished movie to &quot;%1&quot;: %2</source>
+        <translation>Der fertige Film konnte nicht nach „%1“ gebracht werden: %2</translation>
     </message>
 </context>
 <context>
@@ -144,12 +209,14 @@
 <context>
     <name>MovieOutput</name>
     <message>
-        <source>a numbered image sequence needs one %d or %0Nd (N from 1 to 9) in its file name and the extension .png, .jpg, .jpeg, .tif or .tiff: &apos;</source>
-        <translation>eine nummerierte Bildfolge braucht ein %d oder %0Nd (N von 1 bis 9) im Dateinamen und die Endung .png, .jpg, .jpeg, .tif oder .tiff: &apos;</translation>
+        <source>a numbered image sequence needs one %1 or %2 (N from 1 to 9) in its file name and the extension .png, .jpg, .jpeg, .tif or .tiff: &apos;%3&apos;</source>
+        <extracomment>%1 and %2 are the placeholders &quot;%d&quot; and &quot;%0Nd&quot; written as they are, %3 the file name.</extracomment>
+        <translation>eine nummerierte Bildfolge braucht ein %1 oder %2 (N von 1 bis 9) im Dateinamen und die Endung .png, .jpg, .jpeg, .tif oder .tiff: „%3“</translation>
     </message>
     <message>
-        <source>a movie is saved as .mov, .gif or a numbered image sequence such as NAME_%04d.png: &apos;</source>
-        <translation>ein Film wird als .mov, .gif oder als nummerierte Bildfolge wie NAME_%04d.png gespeichert: &apos;</translation>
+        <source>a movie is saved as .mov, .gif or a numbered image sequence such as %1: &apos;%2&apos;</source>
+        <extracomment>%1 is an example file name, NAME_%04d.png, %2 the file name given.</extracomment>
+        <translation>ein Film wird als .mov, .gif oder als nummerierte Bildfolge wie %1 gesichert: „%2“</translation>
     </message>
 </context>
 <context>
@@ -157,6 +224,10 @@
     <message>
         <source>Could not write &quot;%1&quot;: %2</source>
         <translation>„%1“ konnte nicht geschrieben werden: %2</translation>
+    </message>
+    <message>
+        <source>Could not write beside &quot;%1&quot;: %2</source>
+        <translation>Neben „%1“ konnte nicht geschrieben werden: %2</translation>
     </message>
 </context>
 <context>
@@ -180,6 +251,25 @@
     <message>
         <source>only %1 of %2 frames could be compressed</source>
         <translation>nur %1 von %2 Bildern konnten komprimiert werden</translation>
+    </message>
+    <message>
+        <source>the movie is not complete</source>
+        <translation>der Film ist nicht vollständig</translation>
+    </message>
+</context>
+<context>
+    <name>MovieSampleStore</name>
+    <message>
+        <source>Could not create the movie storage &quot;%1&quot;: %2</source>
+        <translation>Der Filmspeicher „%1“ konnte nicht angelegt werden: %2</translation>
+    </message>
+    <message>
+        <source>Could not open &quot;%1&quot;: %2</source>
+        <translation>„%1“ konnte nicht geöffnet werden: %2</translation>
+    </message>
+    <message>
+        <source>Could not write to the movie storage &quot;%1&quot;: %2</source>
+        <translation>In den Filmspeicher „%1“ konnte nicht geschrieben werden: %2</translation>
     </message>
 </context>
 <context>
@@ -297,6 +387,10 @@
     <message>
         <source>there is not enough memory to read it</source>
         <translation>der Speicher reicht nicht, um sie zu lesen</translation>
+    </message>
+    <message>
+        <source>%1.%2 GB</source>
+        <translation>%1,%2 GB</translation>
     </message>
 </context>
 <context>

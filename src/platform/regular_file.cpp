@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <cstring>
 #include <fcntl.h>
 #include <new>
@@ -65,7 +66,9 @@ std::string byteSizeText(std::uint64_t bytes)
         return formatString("%.0f KB", b / kKiB);
     if (b < kKiB * kKiB * kKiB)
         return formatString("%.0f MB", b / (kKiB * kKiB));
-    return formatString("%.1f GB", b / (kKiB * kKiB * kKiB));
+    // The decimal sign is the interface language's, so it is part of the translated text.
+    const auto tenths = static_cast<std::uint64_t>(std::llround(b / (kKiB * kKiB * kKiB) * 10.0));
+    return fillIn(userText("RegularFile", "%1.%2 GB"), {std::to_string(tenths / 10), std::to_string(tenths % 10)});
 }
 
 RegularFile::RegularFile(int fd, std::uint64_t size, std::uint64_t maxBytes)

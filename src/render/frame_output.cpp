@@ -82,7 +82,7 @@ QByteArray encodeFrame(const QImage& frame, FrameFileFormat format, QString* err
     if (format == FrameFileFormat::Tiff)
         writer.setCompression(1); // LZW
     if (frame.isNull() || !writer.write(storedImage(frame, format))) {
-        fail(error, frame.isNull() ? QStringLiteral("there is no frame to write") : writer.errorString());
+        fail(error, frame.isNull() ? QCoreApplication::translate("FrameOutput", "there is no frame to write") : writer.errorString());
         return {};
     }
     return bytes;

@@ -63,9 +63,12 @@ std::optional<ImageSequencePattern> ImageSequencePattern::parse(const QString& p
     }
     const std::optional<FrameFileFormat> format = frameFileFormatForPath(path);
     if (!wellFormed || !placeholder || !format) {
-        // Joined, not formatted: the text itself holds percent signs.
-        fail(error, QCoreApplication::translate("MovieOutput", "a numbered image sequence needs one %d or %0Nd (N from 1 to 9) in its file name "
-                                   "and the extension .png, .jpg, .jpeg, .tif or .tiff: '") + path + QLatin1Char('\''));
+        // The placeholders come in as values: in the text itself "%0Nd" would be taken
+        // for a place marker, and arg() with several values does not look into them.
+        //: %1 and %2 are the placeholders "%d" and "%0Nd" written as they are, %3 the file name.
+        fail(error, QCoreApplication::translate("MovieOutput", "a numbered image sequence needs one %1 or %2 (N from 1 to 9) in "
+                                                               "its file name and the extension .png, .jpg, .jpeg, .tif or .tiff: '%3'")
+                        .arg(QStringLiteral("%d"), QStringLiteral("%0Nd"), path));
         return std::nullopt;
     }
     ImageSequencePattern pattern;
@@ -94,8 +97,10 @@ std::optional<MovieOutputKind> movieOutputKindForPath(const QString& path, QStri
         return MovieOutputKind::QuickTime;
     if (suffix == QLatin1String("gif"))
         return MovieOutputKind::AnimatedGif;
+    //: %1 is an example file name, NAME_%04d.png, %2 the file name given.
     fail(error, QCoreApplication::translate("MovieOutput", "a movie is saved as .mov, .gif or a numbered image sequence such as "
-                               "NAME_%04d.png: '") + path + QLatin1Char('\''));
+                                                           "%1: '%2'")
+                    .arg(QStringLiteral("NAME_%04d.png"), path));
     return std::nullopt;
 }
 

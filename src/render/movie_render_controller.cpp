@@ -220,7 +220,7 @@ bool MovieRenderController::saveRenderedMovie(const QString& path, QString* erro
     const Movie* complete = movie();
     stopOnWriterFailure();
     if (isRendering() || m_appendFailed)
-        return fail(m_error.isEmpty() ? QStringLiteral("the movie is not complete") : m_error);
+        return fail(m_error.isEmpty() ? QCoreApplication::translate("MovieRenderController", "the movie is not complete") : m_error);
     m_writer->lock();
     const MovieTrack* track = complete->lastVideoTrack();
     const std::size_t frames = track && track->media() ? track->media()->sampleCount() : 0;

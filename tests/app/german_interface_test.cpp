@@ -5,12 +5,17 @@
 #include "app/window_actions.h"
 #include "app_test_support.h"
 #include "editor/morph_editor.h"
+#include "inspector/inspector_controller.h"
+#include "inspector/line_timing_view.h"
+#include "inspector/morph_line_inspector.h"
+#include "inspector/time_field.h"
 #include "model/morph_document.h"
 #include "platform/qt/user_defaults.h"
 #include "platform/run_loop.h"
 
 #include <QAction>
 #include <QApplication>
+#include <QFile>
 #include <QMenuBar>
 #include <QTest>
 
@@ -54,9 +59,43 @@ private slots:
         QCOMPARE(window->lastEditor()->accessibleName(), QStringLiteral("Letztes Bild"));
         QCOMPARE(window->displayName(), QStringLiteral("Unbenannt"));
         QCOMPARE(sharedMnemonics(window->menuBar()->actions(), QStringLiteral("Menüleiste")), QStringList());
-        // Numbers as the interface's language writes them, whatever the locale of LANG.
-        QCOMPARE(QLocale().toString(0.3), QStringLiteral("0,3"));
         QCOMPARE(window->firstEditor()->accessibleDescription(), QStringLiteral("Linien: 0, ausgewählt: 0"));
+    }
+
+    void whyAFileCannotBeReadIsGerman()
+    {
+        QFile empty(m_dir.filePath(QStringLiteral("leer.png")));
+        QVERIFY(empty.open(QIODevice::WriteOnly));
+        empty.close();
+        m_script.errors.clear();
+        QVERIFY(!m_app->documents().newDocumentWithImages(empty.fileName(), QString()));
+        QCOMPARE(m_script.errors.size(), 1);
+        QVERIFY2(m_script.errors[0].startsWith(QStringLiteral("Das Bild „leer.png“")), qPrintable(m_script.errors[0]));
+        QVERIFY2(m_script.errors[0].contains(QStringLiteral("die Datei ist leer")), qPrintable(m_script.errors[0]));
+    }
+
+    void timesAreTypedAndShownWithADecimalComma()
+    {
+        // Numbers follow the interface's language, whatever the locale of LANG says.
+        MorphEditorWindowController* window = m_app->documents().newDocument();
+        MorphLine::Ptr line = MorphLine::create();
+        line->setEndPoint({0.5f, 0.5f}, 0, nullptr);
+        window->document().addMorphLine(line);
+        window->document().setSelectedLines({line});
+        window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(window));
+        InspectorController* inspector = InspectorController::sharedInspectorController();
+        inspector->showPanel();
+        QCOMPARE(inspector->shownView(), MorphLineInspector::sharedInspector()->view());
+        TimeField* field = MorphLineInspector::sharedInspector()->timingView()->field(TimingCell::StartStop);
+        field->setFocus();
+        field->selectAll();
+        QTest::keyClicks(field, QStringLiteral("0,3"));
+        QTest::keyClick(field, Qt::Key_Return);
+        RunLoop::main().runUntilIdle();
+        QCOMPARE(line->startPointStopMoveTime(), 0.3f);
+        QCOMPARE(field->text(), QStringLiteral("0,3"));
+        inspector->hidePanel();
     }
 
     void undoNamesAreGerman()

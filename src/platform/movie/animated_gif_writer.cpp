@@ -4,6 +4,7 @@
 #include "platform/log.h"
 #include "platform/movie/movie_codec_internal.h"
 #include "platform/movie/movie_output_file_internal.h"
+#include "platform/user_text.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -316,8 +317,8 @@ MovieStatus AnimatedGifWriter::write(const std::string& path, int width, int hei
     if (status.ok())
         status = output.finish();
     if (!status.ok())
-        return MovieStatus::failure(status.code, formatString("Could not write \"%s\": %s", path.c_str(), status.message.c_str()));
-    return file.commit("GIF");
+        return MovieStatus::failure(status.code, fillIn(userText("AnimatedGifWriter", "Could not write \"%1\": %2"), {path, status.message}));
+    return file.commit(userText("AnimatedGifWriter", "Could not move the finished GIF to \"%1\": %2"));
 }
 
 } // namespace plyra

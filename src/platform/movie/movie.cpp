@@ -3,6 +3,7 @@
 
 #include "platform/log.h"
 #include "platform/movie/movie_sample_store_internal.h"
+#include "platform/user_text.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -155,8 +156,9 @@ std::string makeTemporaryMoviePath(const std::string& directory, const std::stri
     name.push_back('\0');
     const int fd = ::mkstemp(name.data());
     if (fd < 0) {
-        report(status, MovieStatus::failure(kMovieFileError, formatString(
-            "Could not make a temporary file in \"%s\": %s", directory.c_str(), std::strerror(errno))));
+        const int code = errno; // before looking up the text, which may change errno
+        report(status, MovieStatus::failure(kMovieFileError,
+            fillIn(userText("Movie", "Could not make a temporary file in \"%1\": %2"), {directory, std::strerror(code)})));
         return {};
     }
     ::close(fd);

@@ -87,13 +87,15 @@ std::unique_ptr<MovieEncoder> MovieEncoder::create(FourCharCode codecType, int q
 {
     const std::optional<MovieCodecSetup> setup = movieCodecSetup(codecType);
     if (!setup) {
-        report(status, MovieStatus::failure(kMovieCodecUnavailable, formatString(
-            "No encoder here writes the codec \"%s\" into a QuickTime movie", fourCharCodeString(codecType).c_str())));
+        report(status, MovieStatus::failure(kMovieCodecUnavailable,
+            fillIn(userText("MovieEncoder", "No encoder here writes the codec \"%1\" into a QuickTime movie"),
+                {fourCharCodeString(codecType)})));
         return nullptr;
     }
     if (width < 1 || height < 1 || width > 16384 || height > 16384) {
-        report(status, MovieStatus::failure(kMovieParamError, formatString(
-            "A frame of %d x %d pixels cannot be compressed", width, height)));
+        report(status, MovieStatus::failure(kMovieParamError,
+            fillIn(userText("MovieEncoder", "A frame of %1 x %2 pixels cannot be compressed"),
+                {std::to_string(width), std::to_string(height)})));
         return nullptr;
     }
     std::unique_ptr<MovieEncoder> encoder(new MovieEncoder(*setup, quality));

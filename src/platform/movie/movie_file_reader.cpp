@@ -4,6 +4,7 @@
 #include "platform/log.h"
 #include "platform/movie/movie_codec_internal.h"
 #include "platform/movie/movie_sample_store_internal.h"
+#include "platform/user_text.h"
 
 extern "C" {
 #include <libavformat/avformat.h>
@@ -25,7 +26,7 @@ void report(MovieStatus* status, MovieStatus value)
 MovieStatus readFailure(const std::string& path, const std::string& why)
 {
     return MovieStatus::failure(kMovieFileError,
-                                formatString("Could not read the movie \"%s\": %s", path.c_str(), why.c_str()));
+                                fillIn(userText("MovieFileReader", "Could not read the movie \"%1\": %2"), {path, why}));
 }
 
 /// Closes the demuxer however reading ends.

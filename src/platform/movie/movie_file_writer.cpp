@@ -27,10 +27,10 @@ struct TrackOutput {
     size_t next = 0;
 };
 
-MovieStatus ffmpegFailure(const char* what, const std::string& path, int error)
+/// text names the file as %1 and FFmpeg's reason as %2.
+MovieStatus ffmpegFailure(const std::string& text, const std::string& path, int error)
 {
-    return MovieStatus::failure(error, formatString("Could not %s \"%s\": %s", what, path.c_str(),
-                                                    ffmpegErrorText(error).c_str()));
+    return MovieStatus::failure(error, fillIn(text, {path, ffmpegErrorText(error)}));
 }
 
 /// The muxer of one output file.
@@ -52,7 +52,8 @@ public:
         initializeFfmpegLogging();
         const int made = avformat_alloc_output_context2(&m_context, nullptr, "mov", path.c_str());
         if (made < 0 || !m_context)
-            return ffmpegFailure("set up the movie file", m_shownPath, made < 0 ? made : AVERROR(ENOMEM));
+            return ffmpegFailure(userText("MovieFileWriter", "Could not set up the movie file \"%1\": %2"), m_shownPath,
+                made < 0 ? made : AVERROR(ENOMEM));
         return MovieStatus::success();
     }
 
@@ -69,7 +70,7 @@ public:
     {
         const int opened = avio_open(&m_context->pb, m_path.c_str(), AVIO_FLAG_WRITE);
         if (opened < 0)
-            return ffmpegFailure("create", m_shownPath, opened);
+            return ffmpegFailure(userText("MovieFileWriter", "Could not create \"%1\": %2"), m_shownPath, opened);
         AVDictionary* options = nullptr;
         if (fastStart)
             av_dict_set(&options, "movflags", "+faststart", 0);
@@ -79,7 +80,8 @@ public:
         const int written = avformat_write_header(m_context, &options);
         av_dict_free(&options);
         if (written < 0)
-            return ffmpegFailure("start writing", m_shownPath, written);
+            return ffmpegFailure(
+                userText("MovieFileWriter", "Could not start writing \"%1\": %2"), m_shownPath, written);
         return MovieStatus::success();
     }
 
@@ -105,7 +107,8 @@ public:
         av_packet_free(&packet);
         ++output.next;
         if (written < 0)
-            return ffmpegFailure("write a frame to", m_shownPath, written);
+            return ffmpegFailure(
+                userText("MovieFileWriter", "Could not write a frame to \"%1\": %2"), m_shownPath, written);
         return MovieStatus::success();
     }
 
@@ -114,9 +117,9 @@ public:
         const int ended = av_write_trailer(m_context);
         const int closed = avio_closep(&m_context->pb);
         if (ended < 0)
-            return ffmpegFailure("finish", m_shownPath, ended);
+            return ffmpegFailure(userText("MovieFileWriter", "Could not finish \"%1\": %2"), m_shownPath, ended);
         if (closed < 0)
-            return ffmpegFailure("close", m_shownPath, closed);
+            return ffmpegFailure(userText("MovieFileWriter", "Could not close \"%1\": %2"), m_shownPath, closed);
         return MovieStatus::success();
     }
 
@@ -204,7 +207,7 @@ MovieStatus writeMovieFile(const Movie& movie, const std::string& path, bool fas
     if (!file.status().ok())
         return file.status();
     const MovieStatus status = muxInto(file.sidePath(), path, outputs, fastStart);
-    return status.ok() ? file.commit("movie") : status;
+    return status.ok() ? file.commit(userText("MovieFileWriter", "Could not move the finished movie to \"%1\": %2")) : status;
 }
 
 MovieStatus Movie::writeToFile(const std::string& path, bool flatten)

@@ -21,19 +21,21 @@ MovieOutputFile::MovieOutputFile(const std::string& path)
     }
     m_side = std::make_unique<SideFile>(*m_target);
     if (m_side->path().empty()) {
-        m_status = MovieStatus::failure(kMovieFileError, formatString(
-            "Could not write beside \"%s\": %s", path.c_str(), std::strerror(errno)));
+        const int code = errno; // before looking up the text, which may change errno
+        m_status = MovieStatus::failure(kMovieFileError,
+            fillIn(userText("MovieOutputFile", "Could not write beside \"%1\": %2"), {path, std::strerror(code)}));
         m_side.reset();
     }
 }
 
-MovieStatus MovieOutputFile::commit(const char* kind)
+MovieStatus MovieOutputFile::commit(const std::string& failureText)
 {
     if (!m_side)
         return m_status;
-    if (!m_side->commit(*m_target))
-        return MovieStatus::failure(kMovieFileError, formatString(
-            "Could not move the finished %s to \"%s\": %s", kind, m_path.c_str(), std::strerror(errno)));
+    if (!m_side->commit(*m_target)) {
+        const int code = errno;
+        return MovieStatus::failure(kMovieFileError, fillIn(failureText, {m_path, std::strerror(code)}));
+    }
     return MovieStatus::success();
 }
 

@@ -23,7 +23,9 @@ public:
     /// The file to write; empty unless status() is a success.
     std::string sidePath() const { return m_side ? m_side->path() : std::string(); }
     /// Moves the written file into place; `kind` names it in the message ("movie", "GIF").
-    MovieStatus commit(const char* kind);
+    /// failureText says, with the file as %1 and the system's reason as %2, that the
+    /// finished file could not take the target's place.
+    MovieStatus commit(const std::string& failureText);
 
 private:
     std::string m_path;

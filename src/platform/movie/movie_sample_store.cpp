@@ -2,6 +2,7 @@
 #include "platform/movie/movie_sample_store_internal.h"
 
 #include "platform/log.h"
+#include "platform/user_text.h"
 
 #include <cerrno>
 #include <cstring>
@@ -12,10 +13,10 @@
 namespace plyra {
 namespace {
 
-MovieStatus fileFailure(const char* what, const std::string& path)
+/// text names the file as %1 and the system's reason as %2.
+MovieStatus fileFailure(const std::string& text, const std::string& path, int code)
 {
-    return MovieStatus::failure(kMovieFileError,
-                                formatString("Could not %s \"%s\": %s", what, path.c_str(), std::strerror(errno)));
+    return MovieStatus::failure(kMovieFileError, fillIn(text, {path, std::strerror(code)}));
 }
 
 void report(MovieStatus* status, MovieStatus value)
@@ -44,7 +45,8 @@ std::shared_ptr<MovieSampleStore> MovieSampleStore::createFile(const std::string
 {
     const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
     if (fd < 0) {
-        report(status, fileFailure("create the movie storage", path));
+        const int code = errno;
+        report(status, fileFailure(userText("MovieSampleStore", "Could not create the movie storage \"%1\": %2"), path, code));
         return nullptr;
     }
     report(status, MovieStatus::success());
@@ -56,7 +58,8 @@ std::shared_ptr<MovieSampleStore> MovieSampleStore::openFile(const std::string& 
     const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     struct stat info {};
     if (fd < 0 || ::fstat(fd, &info) != 0) {
-        report(status, fileFailure("open", path));
+        const int code = errno;
+        report(status, fileFailure(userText("MovieSampleStore", "Could not open \"%1\": %2"), path, code));
         if (fd >= 0)
             ::close(fd);
         return nullptr;
@@ -93,8 +96,10 @@ int64_t MovieSampleStore::append(const uint8_t* data, size_t size, MovieStatus* 
             if (n < 0 && errno == EINTR)
                 continue;
             if (n <= 0) {
-                report(status, MovieStatus::failure(kMovieFileError, formatString(
-                    "Could not write to the movie storage \"%s\": %s", m_path.c_str(), std::strerror(n < 0 ? errno : ENOSPC))));
+                const int code = n < 0 ? errno : ENOSPC;
+                report(status, MovieStatus::failure(kMovieFileError,
+                    fillIn(userText("MovieSampleStore", "Could not write to the movie storage \"%1\": %2"),
+                        {m_path, std::strerror(code)})));
                 return -1;
             }
             written += static_cast<size_t>(n);

@@ -5,6 +5,8 @@
 
 #include <Qt>
 
+#include <cstdint>
+
 namespace plyra {
 
 class MorphEditorDataSource;
@@ -20,6 +22,9 @@ struct GestureEvent {
     Point location;
     Qt::KeyboardModifiers modifiers;
     int key = 0;
+    /// When the key was pressed, in milliseconds of the window system's clock; 0 when the
+    /// event does not say.
+    std::uint64_t timestamp = 0;
 
     bool isKey() const { return type == Type::KeyDown; }
 };

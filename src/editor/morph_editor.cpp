@@ -283,6 +283,7 @@ void MorphEditor::keyPressEvent(QKeyEvent* event)
     key.type = GestureEvent::Type::KeyDown;
     key.key = event->key();
     key.modifiers = event->modifiers();
+    key.timestamp = event->timestamp();
     dispatch(key);
 }
 
@@ -294,7 +295,7 @@ void MorphEditor::dispatch(const GestureEvent& event)
         if (event.type == GestureEvent::Type::LeftDown || event.type == GestureEvent::Type::RightDown)
             startGesture(event);
         else if (event.isKey())
-            keyCommand(event.key, event.modifiers);
+            keyCommand(event);
         return;
     }
     if (event.isKey() && !m_gesture->tracksKeys()) {
@@ -306,15 +307,16 @@ void MorphEditor::dispatch(const GestureEvent& event)
     afterGestureEvent();
 }
 
-void MorphEditor::keyCommand(int key, Qt::KeyboardModifiers modifiers)
+void MorphEditor::keyCommand(const GestureEvent& event)
 {
     MorphEditorDataSource& dataSource = *m_context.dataSource;
-    if (key == Qt::Key_Escape)
+    const auto keyDown = [&] { commands().keyDown(event.key, event.modifiers); };
+    if (event.key == Qt::Key_Escape)
         commands().selectNone();
-    else if (EditorCommands::isArrowKey(key) && !dataSource.selectedLines().empty())
-        m_nudges.nudge(dataSource.undoManager(), dataSource.selectedLines(), [&] { commands().keyDown(key, modifiers); });
+    else if (EditorCommands::isArrowKey(event.key) && !dataSource.selectedLines().empty())
+        m_nudges.nudge(dataSource.undoManager(), dataSource.selectedLines(), event.timestamp, keyDown);
     else
-        commands().keyDown(key, modifiers);
+        keyDown();
     syncLines();
 }
 

@@ -30,7 +30,7 @@ class MorphEditorDataSource;
 /// left and y upward; the editor draws and hands each mouse gesture to a gesture object
 /// chosen at the press. Every change goes to the document through its undoable
 /// operations; one gesture is one undo step. Meant to sit in a QScrollArea: zooming
-/// resizes the editor, sizeToFit() fits it into the scroll area.
+/// resizes the editor (the document window's zoom decides its size).
 /// Threads: main thread only.
 class MorphEditor : public QWidget {
     Q_OBJECT
@@ -70,7 +70,8 @@ public:
     static QSizeF contentSizeOf(const QAbstractScrollArea& scrollArea);
 
     QSize sizeHint() const override;
-    /// The clock that decides whether nudges follow each other closely enough to be one step.
+    /// The clock that decides whether nudges follow each other closely enough to be one
+    /// step, for key events that carry no time of their own.
     void setNudgeClock(NudgeSteps::Clock clock) { m_nudges.setClock(std::move(clock)); }
 
 public slots:
@@ -83,9 +84,6 @@ public slots:
     /// Scrolls the enclosing scroll area so that the selection is centred.
     void centerSelectionInVisibleArea();
     void center() { centerSelectionInVisibleArea(); }
-    /// Sizes the editor to the largest size of its image's aspect ratio that fits the
-    /// enclosing scroll area, then centres the selection. Nothing without an image.
-    void sizeToFit();
     /// Adds a copy of the selected lines, a few units right of and below them in both
     /// tracks, and selects it instead (one undo step).
     void duplicateSelection();
@@ -136,7 +134,7 @@ private:
     void syncLines();
     void updateAccessibleDescription();
     /// A key while no gesture runs: nudging, deleting, Escape clearing the selection.
-    void keyCommand(int key, Qt::KeyboardModifiers modifiers);
+    void keyCommand(const GestureEvent& event);
     void ensureSelectionVisible();
     EditorCommands commands() const;
     /// Runs a command on the document's selection and redraws the lines it changed.

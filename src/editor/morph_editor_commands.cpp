@@ -136,17 +136,6 @@ std::optional<QSizeF> MorphEditor::imageSize() const
     return image ? std::optional<QSizeF>(image->size()) : std::nullopt;
 }
 
-void MorphEditor::sizeToFit()
-{
-    QAbstractScrollArea* area = scrollArea();
-    const std::optional<QSizeF> image = imageSize();
-    if (!area || !image)
-        return;
-    const QSizeF size = fittedSize(*image, contentSizeOf(*area));
-    resize(qRound(size.width()), qRound(size.height()));
-    centerSelectionInVisibleArea();
-}
-
 // ---- dropping image files ----------------------------------------------------------
 
 void MorphEditor::dragEnterEvent(QDragEnterEvent* event)

@@ -10,14 +10,19 @@ NudgeSteps::NudgeSteps()
 {
 }
 
-void NudgeSteps::nudge(UndoManager& undo, const std::vector<MorphLine::Ptr>& selection, const std::function<void()>& move)
+void NudgeSteps::nudge(UndoManager& undo, const std::vector<MorphLine::Ptr>& selection, std::uint64_t keyTime,
+    const std::function<void()>& move)
 {
     std::vector<const MorphLine*> lines;
     lines.reserve(selection.size());
     for (const MorphLine::Ptr& line : selection)
         lines.push_back(line.get());
-    const auto now = m_clock();
-    if (continuesLastNudge(undo, lines) && now - m_lastTime <= kJoinInterval)
+    using std::chrono::milliseconds;
+    const milliseconds now = keyTime != 0 ? milliseconds(static_cast<milliseconds::rep>(keyTime))
+                                          : std::chrono::duration_cast<milliseconds>(m_clock().time_since_epoch());
+    // A time that runs backwards (the window system's clock wrapped) continues nothing.
+    const milliseconds since = now - m_lastTime;
+    if (continuesLastNudge(undo, lines) && since >= milliseconds(0) && since <= kJoinInterval)
         undo.reopenLastStep();
     move();
     // A nudge below the setters' threshold registers nothing and continues nothing.

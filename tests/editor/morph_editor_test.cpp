@@ -6,6 +6,7 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QKeyEvent>
 #include <QMimeData>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -30,7 +31,6 @@ private slots:
 
     void fittedSize_data();
     void fittedSize();
-    void sizeToFitInAScrollArea();
     void centring();
     void drops_data();
     void drops();
@@ -68,34 +68,6 @@ void MorphEditorTest::fittedSize()
     QFETCH(QSizeF, content);
     QFETCH(QSizeF, fitted);
     QCOMPARE(MorphEditor::fittedSize(image, content), fitted);
-}
-
-void MorphEditorTest::sizeToFitInAScrollArea()
-{
-    EditorFixture f;
-    QScrollArea area;
-    auto* editor = new MorphEditor;
-    editor->setDataSource(&f.document);
-    area.setWidget(editor);
-    // A frame whose content size is 600 x 600: scroll bars shown as needed take no room.
-    const int chrome = 2 * area.frameWidth();
-    area.resize(600 + chrome, 600 + chrome);
-    QCOMPARE(MorphEditor::contentSizeOf(area), QSizeF(600, 600));
-    area.setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-    const int bar = area.style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, area.verticalScrollBar());
-    QCOMPARE(MorphEditor::contentSizeOf(area), QSizeF(600 - bar, 600));
-    area.setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
-    editor->sizeToFit();
-    QCOMPARE(editor->size(), QSize(400, 300)); // no image: nothing changes
-    QString error;
-    QVERIFY(f.document.setImageFromFile(f.writeImage(QStringLiteral("wide.png"), {1000, 500}, Qt::red), 0, &error));
-    QVERIFY(f.document.setImageFromFile(f.writeImage(QStringLiteral("tall.png"), {500, 1000}, Qt::blue), 1, &error));
-    editor->sizeToFit();
-    QCOMPARE(editor->size(), QSize(600, 300));
-    editor->setTrack(1);
-    editor->sizeToFit();
-    QCOMPARE(editor->size(), QSize(300, 600));
-    editor->setDataSource(nullptr);
 }
 
 void MorphEditorTest::centring()
@@ -392,21 +364,25 @@ void MorphEditorTest::tabWalksThroughTheLinesAndEscapeClears()
 void MorphEditorTest::nudgesInQuickSuccessionAreOneStep()
 {
     EditorFixture f;
-    std::chrono::steady_clock::time_point now{};
-    f.editor->setNudgeClock([&now] { return now; });
+    // A busy machine: each press is handled seconds after the previous one. What counts
+    // is when the keys were pressed.
+    std::chrono::steady_clock::time_point handled{};
+    f.editor->setNudgeClock([&handled] { return handled += std::chrono::seconds(5); });
     const MorphLine::Ptr a = f.addLine({100, 100}, {200, 100});
     const MorphLine::Ptr b = f.addLine({100, 150}, {200, 150});
     f.select({a});
     f.settle();
     f.editor->setFocus();
-    using namespace std::chrono_literals;
-    // Each nudge: the time since the previous one, and the lines selected.
-    struct Nudge { std::chrono::milliseconds after; MorphLine::Ptr line; };
-    const std::vector<Nudge> nudges = {{0ms, a}, {400ms, a}, {1000ms, a}, {1001ms, a}, {10ms, b}, {10ms, a}};
+    // Each nudge: the time since the previous press in milliseconds, and the lines selected.
+    struct Nudge { int after; MorphLine::Ptr line; };
+    const std::vector<Nudge> nudges = {{0, a}, {400, a}, {1000, a}, {1001, a}, {10, b}, {10, a}};
+    quint64 pressed = 70000;
     for (const Nudge& nudge : nudges) {
-        now += nudge.after;
+        pressed += static_cast<quint64>(nudge.after);
         f.document.setSelectedLines({nudge.line});
-        f.key(Qt::Key_Up);
+        QKeyEvent press(QEvent::KeyPress, Qt::Key_Up, Qt::NoModifier);
+        press.setTimestamp(pressed);
+        QApplication::sendEvent(f.editor, &press);
         f.endPass();
     }
     // {a ×3} {a} {b} {a}: four steps, each "Move Line".

@@ -45,12 +45,15 @@ InspectorController::InspectorController(QObject* parent)
     , m_emptySelectionView(new EmptySelectionView)
     , m_offWin(std::make_unique<QWidget>())
     , m_revertTimer([this] { revert(); })
+    , m_placementSettling([] {})
 {
     if (!g_sharedController)
         g_sharedController = this;
     m_inspectors.reserve(2);
     m_revertTimer.setSingleShot(true);
     m_revertTimer.setInterval(kRevertDelayMs);
+    m_placementSettling.setSingleShot(true);
+    m_placementSettling.setInterval(kPlacementSettleMs);
     connect(m_panel.get(), &InspectorPanel::visibilityChanged, this, &InspectorController::panelVisibilityChanged);
     m_panel->replaceContentView(m_emptySelectionView);
     observeNotifications();
@@ -112,6 +115,7 @@ void InspectorController::showPanel()
     if (!m_panel->isVisible()) {
         m_panel->adjustSize();
         placePanel();
+        m_placementSettling.start();
     }
     m_panel->show();
     m_panel->raise();
@@ -149,6 +153,14 @@ void InspectorController::placePanel()
     QRect frame(QPoint(), size);
     frame.moveCenter(available.center());
     m_panel->move(frame.topLeft());
+}
+
+void InspectorController::panelMoved()
+{
+    if (m_placementSettling.isActive())
+        m_placementSettling.start();
+    else
+        PanelPlacement::remember(m_panel->pos());
 }
 
 QWidget* InspectorController::shownView() const
@@ -200,7 +212,7 @@ bool InspectorController::eventFilter(QObject* watched, QEvent* event)
         return false;
     auto* widget = static_cast<QWidget*>(watched);
     if (widget == m_panel.get() && event->type() == QEvent::Move && m_panel->isVisible())
-        PanelPlacement::remember(m_panel->pos());
+        panelMoved();
     else if (event->type() == QEvent::WindowActivate && widget->isWindow())
         windowActivated(widget);
     else if (event->type() == QEvent::Hide && widget == m_mainWindow && !widget->isMinimized())

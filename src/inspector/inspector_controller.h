@@ -45,10 +45,15 @@ public:
     InspectorPanel* panel() const { return m_panel.get(); }
     bool isPanelVisible() const;
     /// Shows the panel where the user last put it, else beside the document window in
-    /// front, and refreshes at once.
+    /// front, and refreshes at once. Only where the user moves it is remembered.
     void showPanel();
     void hidePanel();
     void togglePanel();
+
+    /// Moves of the panel less than this many milliseconds after it was placed, or after
+    /// the previous such move, are the placement settling (the window manager, the screen
+    /// fit), not the user.
+    static constexpr int kPlacementSettleMs = 500;
 
     /// The view the panel shows now.
     QWidget* shownView() const;
@@ -78,6 +83,7 @@ private:
     void offerEditActionsOf(InspectableWindow* window);
     void showContentView(QWidget* view);
     void placePanel();
+    void panelMoved();
 
     std::unique_ptr<InspectorPanel> m_panel;
     QPointer<QWidget> m_emptySelectionView;
@@ -88,6 +94,8 @@ private:
     QList<QPointer<QAction>> m_editActions;
     QMetaObject::Connection m_mainWindowDestroyed;
     Timer m_revertTimer;
+    // Runs while moves of the panel are its placement settling rather than the user.
+    Timer m_placementSettling;
 };
 
 } // namespace plyra

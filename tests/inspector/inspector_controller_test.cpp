@@ -67,6 +67,21 @@ private slots:
             const QRect panel = controller.panel()->frameGeometry();
             QCOMPARE(panel.left(), window.frameGeometry().right() + 9);
             QCOMPARE(panel.top(), window.frameGeometry().top());
+            // The window manager settling the panel is not the user's choice: shown again,
+            // it goes beside the document window where that is now.
+            for (int step : {1, 2}) {
+                testClock().advance(InspectorController::kPlacementSettleMs - 100);
+                controller.panel()->move(panel.topLeft() + QPoint(step, 20));
+                QTRY_COMPARE(controller.panel()->pos(), panel.topLeft() + QPoint(step, 20));
+            }
+            controller.hidePanel();
+            const QPoint windowAt = window.pos() + QPoint(30, 10);
+            window.move(windowAt);
+            QTRY_COMPARE(window.pos(), windowAt);
+            controller.showPanel();
+            QCOMPARE(controller.panel()->frameGeometry().topLeft(), QPoint(window.frameGeometry().right() + 9, window.frameGeometry().top()));
+            // The user's move, once the placement has settled, is remembered.
+            testClock().advance(InspectorController::kPlacementSettleMs);
             controller.panel()->move(60, 70);
             QTRY_COMPARE(controller.panel()->pos(), QPoint(60, 70));
             controller.hidePanel();

@@ -82,7 +82,8 @@ EditorZoom::Scales EditorZoom::zoomOutTargets(const Scales& scales, const Scales
     Scales targets;
     for (std::size_t i = 0; i < 2; ++i)
         if (scales[i] && fitScales[i])
-            targets[i] = std::max(*scales[i] / 2.0, *fitScales[i]);
+            // Below fit (a small image at Actual Size) zooming out would enlarge it.
+            targets[i] = *scales[i] <= *fitScales[i] ? *scales[i] : std::max(*scales[i] / 2.0, *fitScales[i]);
     return targets;
 }
 
@@ -105,8 +106,10 @@ bool EditorZoom::zoomOut()
     const Scales targets = zoomOutTargets(current, fit);
     if (showsAt(targets) || total(targets) < kSmallestTotal)
         return false;
+    // An editor that stays as it is keeps whether it is at fit.
     for (std::size_t i = 0; i < 2; ++i)
-        m_atFit[i] = targets[i] && fit[i] && *targets[i] == *fit[i];
+        if (targets[i] != current[i])
+            m_atFit[i] = targets[i] && fit[i] && *targets[i] == *fit[i];
     animate(targets);
     return true;
 }

@@ -18,11 +18,12 @@ class MorphEditor;
 /// Zooms the two editors of a document window together. Each editor shows its image at
 /// the image's own aspect, at a scale of display units per image pixel: "fit" is the
 /// largest scale that shows the whole image in the editor's scroll area, zooming in
-/// doubles both scales, zooming out halves them but stops at fit, Actual Size shows one
-/// image pixel per device pixel (the zoom factor counts device pixels too). Each change runs in six steps drawn at once, so that it shows as
-/// an animation, and the selection is centred after every step. While an editor is at
-/// fit it follows the size of its scroll area. An editor without an image of its own
-/// shows the other one and takes the other editor's size.
+/// doubles both scales, zooming out halves them but stops at fit and never enlarges (an
+/// editor below fit stays as it is), Actual Size shows one image pixel per device pixel
+/// (the zoom factor counts device pixels too). Each change runs in six steps drawn at
+/// once, so that it shows as an animation, and the selection is centred after every
+/// step. While an editor is at fit it follows the size of its scroll area. An editor
+/// without an image of its own shows the other one and takes the other editor's size.
 /// Threads: main thread only.
 class EditorZoom : public QObject {
     Q_OBJECT
@@ -59,11 +60,6 @@ public:
     /// they differ.
     QString zoomText() const;
 
-    /// The targets of a change for the scales given (totals checked by the callers).
-    static std::array<std::optional<double>, 2> zoomInTargets(const std::array<std::optional<double>, 2>& scales);
-    static std::array<std::optional<double>, 2> zoomOutTargets(const std::array<std::optional<double>, 2>& scales,
-        const std::array<std::optional<double>, 2>& fitScales);
-
 signals:
     void zoomChanged();
 
@@ -72,6 +68,10 @@ protected:
 
 private:
     using Scales = std::array<std::optional<double>, 2>;
+
+    /// The targets of a change for the scales given (totals checked by the callers).
+    static Scales zoomInTargets(const Scales& scales);
+    static Scales zoomOutTargets(const Scales& scales, const Scales& fitScales);
 
     std::optional<QSizeF> imageSize(int editor) const;
     Scales fitScales() const;

@@ -345,6 +345,14 @@ private slots:
         QVERIFY(qobject_cast<QScrollArea*>(editors[0]->parentWidget()->parentWidget())->horizontalScrollBar()->isVisible());
         key(Qt::Key_0);
         QVERIFY(!qobject_cast<QScrollArea*>(editors[0]->parentWidget()->parentWidget())->horizontalScrollBar()->isVisible());
+        // Zooming out never enlarges: a small image at Actual Size, below fit, stays so.
+        QVERIFY(document().setImageFromFile(writeTestImage(m_dir, QStringLiteral("small.png"), 40, 30), 1, &reason));
+        endPass();
+        key(Qt::Key_1);
+        const QSize actual = editors[0]->size();
+        key(Qt::Key_Minus);
+        QCOMPARE(editors[1]->size(), QSize(40, 30));
+        QVERIFY(editors[0]->width() <= actual.width());
     }
 
     void aNewWindowFitsTheScreen()

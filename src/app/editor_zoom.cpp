@@ -2,6 +2,7 @@
 #include "app/editor_zoom.h"
 
 #include "editor/morph_editor.h"
+#include "widgets/screen_change.h"
 
 #include <QEvent>
 #include <QLocale>
@@ -20,6 +21,8 @@ EditorZoom::EditorZoom(std::array<Editor, 2> editors, std::function<void()> cent
 {
     for (const Editor& editor : m_editors)
         editor.scrollArea->installEventFilter(this);
+    // The zoom factor counts device pixels: on a screen of another scale it reads anew.
+    followScreenChanges(m_editors[0].view, [this] { emit zoomChanged(); });
 }
 
 std::optional<QSizeF> EditorZoom::imageSize(int editor) const

@@ -494,9 +494,7 @@ void MorphEditorWindowController::showEvent(QShowEvent* event)
     if (m_fitted)
         return;
     m_fitted = true;
-    // The editors keep most of the window: the strip takes at most a third of its height.
-    if (m_previewDock->isVisible() && !m_previewDock->isFloating())
-        resizeDocks({m_previewDock}, {std::min(m_previewDock->sizeHint().height(), height() / 3)}, Qt::Vertical);
+    m_previewDock->keepToAThirdOfTheWindow();
     // Fitting needs the scroll areas' final sizes, known once the window is laid out.
     QTimer::singleShot(0, this, [this] { fitEditors({true, true}); });
 }

@@ -8,13 +8,13 @@
 #include "app/morph_app_controller.h"
 #include "app/morph_editor_window_controller.h"
 #include "app/package_file_dialog.h"
-#include "app/screen_fit.h"
 #include "app/textured_background.h"
 #include "app/update_alerts.h"
 #include "inspector/inspector_controller.h"
 #include "model/morph_document.h"
 #include "platform/qt/qt_run_loop.h"
 #include "platform/user_text.h"
+#include "widgets/screen_fit.h"
 
 #include <QApplication>
 #include <QFileInfo>

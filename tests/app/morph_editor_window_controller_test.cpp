@@ -363,8 +363,15 @@ private slots:
         QVERIFY(QTest::qWaitForWindowExposed(&big));
         const QRect available = big.screen()->availableGeometry();
         QVERIFY(available.contains(big.frameGeometry()));
-        big.resize(available.width() + 300, 100);
-        QTRY_VERIFY(big.width() <= available.width());
+        // Stretched by the user over the screen's edge, as across two monitors: it stays so,
+        // also when shown again.
+        const QRect stretched(available.left() + 100, available.top() + 20, available.width() + 300, 100);
+        big.setGeometry(stretched);
+        QTRY_COMPARE(big.geometry(), stretched);
+        big.hide();
+        big.show();
+        endPass();
+        QCOMPARE(big.geometry(), stretched);
     }
 
     void theColourWellIsAnUndoableChange()

@@ -15,6 +15,7 @@
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QProcess>
+#include <QScreen>
 #include <QSignalSpy>
 #include <QTest>
 #include <QToolButton>
@@ -68,6 +69,7 @@ private slots:
     void savesASelfContainedMovie();
     void aCodecNothingCanWriteIsShown();
     void playerKeysAndNames();
+    void aWindowSizedToItsMovieStaysOnTheScreen();
 };
 
 void MovieWindowTest::titles_data()
@@ -297,6 +299,31 @@ void MovieWindowTest::playerKeysAndNames()
     for (QWidget* widget : window.findChildren<QWidget*>())
         if (widget->isVisible() && widget->focusPolicy() != Qt::NoFocus)
             QVERIFY2(!widget->accessibleName().isEmpty(), widget->metaObject()->className());
+    window.close();
+}
+
+void MovieWindowTest::aWindowSizedToItsMovieStaysOnTheScreen()
+{
+    test::WindowTestDocument doc;
+    MovieWindow window(*doc.document);
+    window.setNumberOfFrames(2);
+    window.setSizeToView(false);
+    window.setFrameSize({200, 150});
+    window.show();
+    QVERIFY(renderToEnd(window));
+    // Left by the user over the screen's right edge, then made larger for a larger movie.
+    const QRect available = window.screen()->availableGeometry();
+    const QPoint overTheEdge(available.right() - window.frameGeometry().width() / 2, available.top());
+    window.move(overTheEdge);
+    QTRY_COMPARE(window.pos(), overTheEdge);
+    window.recalc();
+    QVERIFY(renderToEnd(window));
+    QCOMPARE(window.pos(), overTheEdge);
+    window.setFrameSize({320, 240});
+    window.recalc();
+    QVERIFY(renderToEnd(window));
+    QCOMPARE(window.player()->pictureView()->size(), QSize(320, 240));
+    QTRY_VERIFY(available.contains(window.frameGeometry()));
     window.close();
 }
 

@@ -15,31 +15,20 @@ FrameView::FrameView(QWidget* parent)
 
 void FrameView::setImage(const QImage& image)
 {
-    m_image = image;
+    m_picture.setImage(image);
     update();
 }
 
 QRectF FrameView::imageRect() const
 {
-    if (m_image.isNull())
-        return {};
-    const QRectF area = contentsRect();
-    // The frame's own size is one frame pixel per device pixel.
-    const QSizeF own = QSizeF(m_image.size()) / devicePixelRatioF();
-    QSizeF size = own.scaled(area.size(), Qt::KeepAspectRatio);
     // A frame smaller than the view is shown at its own size, as image views do.
-    if (own.width() <= area.width() && own.height() <= area.height())
-        size = own;
-    return QRectF(area.center() - QPointF(size.width() / 2.0, size.height() / 2.0), size);
+    return FramePicture::placement(image().size(), devicePixelRatioF(), contentsRect(), FramePicture::Fit::ShrinkToFit);
 }
 
 void FrameView::paintEvent(QPaintEvent*)
 {
-    if (m_image.isNull())
-        return;
     QPainter painter(this);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawImage(imageRect(), m_image);
+    m_picture.draw(painter, imageRect(), devicePixelRatioF());
 }
 
 } // namespace plyra

@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QImage>
+#include "render/windows/frame_picture.h"
+
 #include <QWidget>
 
 namespace plyra {
 
-/// Shows a rendered frame scaled to fit the view, keeping its proportions, centred. A
-/// frame stays until the next one replaces it.
+/// Shows a rendered frame centred, one frame pixel per device pixel, scaled down keeping
+/// its proportions when it is larger than the view. A frame stays until the next one
+/// replaces it.
 /// Threads: main thread.
 class FrameView : public QWidget {
     Q_OBJECT
@@ -16,7 +18,7 @@ public:
     explicit FrameView(QWidget* parent = nullptr);
 
     void setImage(const QImage& image);
-    const QImage& image() const { return m_image; }
+    const QImage& image() const { return m_picture.image(); }
     /// Where the frame is drawn within the view.
     QRectF imageRect() const;
 
@@ -26,7 +28,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    QImage m_image;
+    FramePicture m_picture;
 };
 
 } // namespace plyra

@@ -17,8 +17,7 @@ MoviePictureView::MoviePictureView(QWidget* parent)
 
 void MoviePictureView::setImage(const QImage& image)
 {
-    m_image = image;
-    m_scaled = QImage();
+    m_picture.setImage(image);
     update();
 }
 
@@ -34,44 +33,26 @@ void MoviePictureView::setPreservesAspectRatio(bool preserve)
     if (preserve == m_preserveAspect)
         return;
     m_preserveAspect = preserve;
-    m_scaled = QImage();
     update();
 }
 
-QRect MoviePictureView::imageRect() const
+QRectF MoviePictureView::imageRect() const
 {
-    if (m_image.isNull())
-        return {};
-    if (!m_preserveAspect)
-        return rect();
-    const QSize size = m_image.size().scaled(this->size(), Qt::KeepAspectRatio);
-    return QRect(QPoint((width() - size.width()) / 2, (height() - size.height()) / 2), size);
-}
-
-void MoviePictureView::resizeEvent(QResizeEvent* event)
-{
-    m_scaled = QImage();
-    QWidget::resizeEvent(event);
+    // As movie players do, the picture grows with the window.
+    return FramePicture::placement(image().size(), devicePixelRatioF(), rect(),
+        m_preserveAspect ? FramePicture::Fit::ScaleToFit : FramePicture::Fit::Stretch);
 }
 
 void MoviePictureView::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     painter.fillRect(rect(), Qt::black);
-    if (m_image.isNull()) {
+    if (image().isNull()) {
         painter.setPen(Qt::white);
         painter.drawText(rect().adjusted(16, 16, -16, -16), Qt::AlignCenter | Qt::TextWordWrap, m_message);
         return;
     }
-    const QRect target = imageRect();
-    // Scaled to device pixels, so that the picture is as sharp as the screen.
-    const qreal dpr = devicePixelRatioF();
-    const QSize pixels = (QSizeF(target.size()) * dpr).toSize();
-    if (m_scaled.size() != pixels || m_scaled.devicePixelRatio() != dpr) {
-        m_scaled = m_image.size() == pixels ? m_image : m_image.scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-        m_scaled.setDevicePixelRatio(dpr);
-    }
-    painter.drawImage(target.topLeft(), m_scaled);
+    m_picture.draw(painter, imageRect(), devicePixelRatioF());
     if (m_message.isEmpty())
         return;
     // Over a picture the message takes a band at the bottom.

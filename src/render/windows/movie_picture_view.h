@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QImage>
+#include "render/windows/frame_picture.h"
+
 #include <QWidget>
 
 namespace plyra {
 
-/// The picture of the movie player: the current frame on black, scaled to the view,
-/// keeping the movie's proportions unless told to stretch.
+/// The picture of the movie player: the current frame on black, scaled to the view in
+/// device pixels, keeping the movie's proportions unless told to stretch.
 /// Threads: main thread.
 class MoviePictureView : public QWidget {
     Q_OBJECT
@@ -16,7 +17,7 @@ public:
     explicit MoviePictureView(QWidget* parent = nullptr);
 
     void setImage(const QImage& image);
-    const QImage& image() const { return m_image; }
+    const QImage& image() const { return m_picture.image(); }
     /// A text shown instead of a picture, or over its bottom (why there is no movie or
     /// why it stopped); empty for none.
     void setMessage(const QString& message);
@@ -24,17 +25,13 @@ public:
     void setPreservesAspectRatio(bool preserve);
     bool preservesAspectRatio() const { return m_preserveAspect; }
     /// Where the frame is drawn within the view.
-    QRect imageRect() const;
+    QRectF imageRect() const;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
 
 private:
-    QImage m_image;
-    // The frame scaled to imageRect(), made once per frame and size: scaling a large
-    // frame at every paint would cost the main thread more than decoding it.
-    QImage m_scaled;
+    FramePicture m_picture;
     QString m_message;
     bool m_preserveAspect = true;
 };

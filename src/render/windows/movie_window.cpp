@@ -10,6 +10,7 @@
 #include "render/windows/movie_player.h"
 #include "render/windows/movie_settings_sheet.h"
 #include "render/windows/render_toolbar.h"
+#include "widgets/screen_fit.h"
 
 #include <QGuiApplication>
 #include <QScreen>
@@ -52,7 +53,8 @@ QSize MovieWindow::viewSize() const
 
 QSize MovieWindow::fittedPictureSize(FrameSize movieSize) const
 {
-    QSize picture(static_cast<int>(movieSize.width), static_cast<int>(movieSize.height));
+    // The movie's pixels are device pixels: on a screen of two per unit, half as many units.
+    QSize picture = (QSizeF(movieSize.width, movieSize.height) / devicePixelRatioF()).toSize();
     // A movie larger than the screen is shown scaled down rather than off the screen.
     if (const QScreen* screen = this->screen() ? this->screen() : QGuiApplication::primaryScreen()) {
         const QSize room = screen->availableSize() * 0.75;
@@ -67,7 +69,22 @@ void MovieWindow::sizeWindowToMovie()
     const FrameSize movieSize = frameSize();
     if (!movieSize.isSet())
         return;
-    resize(size() + (fittedPictureSize(movieSize) - m_player->pictureView()->size()));
+    const QSize before = size();
+    resize(before + (fittedPictureSize(movieSize) - m_player->pictureView()->size()));
+    // Every render asks: a window that keeps its size (it is the movie's already, or the
+    // toolbar keeps it wider) stays where the user put it.
+    if (isVisible() && size() != before)
+        ScreenFit::fit(this);
+}
+
+void MovieWindow::screenChanged()
+{
+    // A movie of a fixed size covers another number of units there, and another share
+    // of the screen.
+    if (sizesToView())
+        RenderWindow::screenChanged();
+    else
+        sizeWindowToMovie();
 }
 
 bool MovieWindow::startRender()

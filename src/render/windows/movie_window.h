@@ -45,6 +45,7 @@ protected:
     SaveFileTypes saveFileTypes() const override;
     bool saveRenderedFramesToPath(const QString& path, QString* error) override;
     void windowClosed() override;
+    void screenChanged() override;
 
 private:
     // The base owns the controller; the window keeps its own kind of it.

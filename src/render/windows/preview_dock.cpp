@@ -6,6 +6,9 @@
 #include "render/windows/preview_strip_render.h"
 #include "render/windows/preview_strip_view.h"
 #include "render/windows/render_scheduler.h"
+#include "widgets/screen_change.h"
+
+#include <QMainWindow>
 
 #include <algorithm>
 
@@ -28,6 +31,8 @@ PreviewDock::PreviewDock(MorphDocument& document, QWidget* parent)
         emit cellsFilled();
     });
     connect(m_strip, &PreviewStripView::cellSizeChanged, this, &PreviewDock::cellSizeChanged);
+    // Cells are computed in device pixels: a screen of another scale needs new ones.
+    followScreenChanges(m_strip, [this] { cellSizeChanged(); });
     connect(this, &QDockWidget::visibilityChanged, this, &PreviewDock::openChanged);
     connect(this, &QDockWidget::dockLocationChanged, this, &PreviewDock::orientationChanged);
     m_scheduler->setObservingDocument(true);
@@ -46,13 +51,27 @@ PreviewDock::~PreviewDock()
 void PreviewDock::toggle()
 {
     setVisible(!isVisible());
+    keepToAThirdOfTheWindow();
     m_scheduler->delayedRecalc();
 }
 
 void PreviewDock::showStrip()
 {
     show();
+    keepToAThirdOfTheWindow();
     m_scheduler->delayedRecalc();
+}
+
+void PreviewDock::keepToAThirdOfTheWindow()
+{
+    auto* window = qobject_cast<QMainWindow*>(parentWidget());
+    if (!window || !isVisible() || isFloating())
+        return;
+    // The editors keep most of the window.
+    const bool beside = m_strip->isVertical();
+    const int room = (beside ? window->width() : window->height()) / 3;
+    const int wanted = beside ? sizeHint().width() : sizeHint().height();
+    window->resizeDocks({this}, {std::min(wanted, room)}, beside ? Qt::Horizontal : Qt::Vertical);
 }
 
 void PreviewDock::setCellCount(int count)

@@ -28,6 +28,10 @@ public:
     void toggle();
     /// Opens the strip and renders it anew.
     void showStrip();
+    /// Gives the open strip its own size, but at most a third of its main window (of its
+    /// height, or of its width when the strip stands beside the editors). Opening the
+    /// strip does this; the window calls it when it is first shown.
+    void keepToAThirdOfTheWindow();
     /// Whether the strip is open and shown.
     bool isOpen() const { return isVisible(); }
 

@@ -7,6 +7,7 @@
 #include "render/windows/render_scheduler.h"
 #include "render/windows/render_settings_sheet.h"
 #include "render/windows/render_toolbar.h"
+#include "widgets/screen_change.h"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -33,6 +34,7 @@ RenderWindow::RenderWindow(MorphDocument& document, std::unique_ptr<RenderContro
     close->setShortcut(QKeySequence::Close);
     connect(close, &QAction::triggered, this, &QWidget::close);
     addAction(close);
+    followScreenChanges(this, [this] { screenChanged(); });
 }
 
 RenderWindow::~RenderWindow()
@@ -158,9 +160,16 @@ QSize RenderWindow::viewSize() const
     return m_resultView ? m_resultView->size() : centralWidget() ? centralWidget()->size() : size();
 }
 
+QSize RenderWindow::viewPixelSize() const
+{
+    const QWidget* view = m_resultView ? m_resultView : this;
+    return (QSizeF(viewSize()) * view->devicePixelRatioF()).toSize();
+}
+
 void RenderWindow::resizeToView()
 {
-    const QSize view = viewSize();
+    // Frames are made in device pixels, so that the views draw them pixel for pixel.
+    const QSize view = viewPixelSize();
     if (view.width() < 1 || view.height() < 1)
         return; // not laid out yet
     const FrameRatioMode mode = frameRatioMode();

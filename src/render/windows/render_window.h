@@ -54,8 +54,10 @@ public:
     FrameSize frameSize();
     float progress() const;
 
-    /// The size of the view that shows the result; the frame follows it when sizing to it.
+    /// The size of the view that shows the result.
     virtual QSize viewSize() const;
+    /// That size in the screen's device pixels; the frame follows it when sizing to the view.
+    QSize viewPixelSize() const;
     void resizeToView();
     void resizeToViewIfSizesToView();
 
@@ -104,6 +106,9 @@ protected:
     virtual bool saveRenderedFramesToPath(const QString& path, QString* error) = 0;
     /// Called when the window closes, after its render stopped.
     virtual void windowClosed() { }
+    /// Called when the window has moved to another screen, which may have another scale
+    /// and another size: frames sized to the view are made anew in its device pixels.
+    virtual void screenChanged() { resizeToViewIfSizesToView(); }
 
     void refreshTitle();
     void validateToolbar();

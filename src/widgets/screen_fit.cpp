@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/screen_fit.h"
+#include "widgets/screen_fit.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -9,6 +9,11 @@
 #include <algorithm>
 
 namespace plyra {
+namespace {
+
+constexpr const char* kFittedProperty = "plyraScreenFitted";
+
+} // namespace
 
 void ScreenFit::install()
 {
@@ -41,13 +46,15 @@ void ScreenFit::fit(QWidget* window)
 
 bool ScreenFit::eventFilter(QObject* watched, QEvent* event)
 {
-    const QEvent::Type type = event->type();
-    if ((type == QEvent::Show || type == QEvent::Resize) && watched->isWidgetType()) {
+    if (event->type() == QEvent::Show && watched->isWidgetType()) {
         auto* widget = static_cast<QWidget*>(watched);
         const Qt::WindowType kind = widget->windowType();
         const bool window = widget->isWindow() && (kind == Qt::Window || kind == Qt::Dialog || kind == Qt::Tool);
-        if (window && widget->isVisible())
+        // Only the first time: shown again, a window keeps where the user put it.
+        if (window && widget->isVisible() && !widget->property(kFittedProperty).toBool()) {
+            widget->setProperty(kFittedProperty, true);
             fit(widget);
+        }
     }
     return QObject::eventFilter(watched, event);
 }

@@ -18,6 +18,11 @@ public:
     static std::vector<std::string> paths();
     /// Removes every file still listed and forgets them.
     static void removeAll();
+    /// Removes the files in folder named prefix + "PID-TICKS_..." whose process has
+    /// ended (a killed process leaves them); a running process's stay. Files of the
+    /// older form, prefix + six characters, go only while no other process of this
+    /// program (plyra, plyra-render) runs. Returns how many were removed.
+    static int removeThoseOfEndedProcesses(const std::string& folder, const std::string& prefix);
 };
 
 } // namespace plyra

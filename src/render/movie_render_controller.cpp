@@ -4,6 +4,7 @@
 #include "engine/image_conversion.h"
 #include "model/morph_document.h"
 #include "platform/log.h"
+#include "platform/process_identity.h"
 #include "platform/temporary_files.h"
 #include "render/movie_codecs.h"
 #include "render/movie_frame_export.h"
@@ -121,7 +122,8 @@ std::size_t MovieRenderController::maxJobsAhead()
 bool MovieRenderController::makeTemporaryMovie()
 {
     MovieStatus status;
-    m_tempPath = makeTemporaryMoviePath("/tmp/", "Plyra_", &status);
+    m_tempPath = makeTemporaryMoviePath(kTemporaryMovieFolder,
+        kTemporaryMoviePrefix + ProcessIdentity::current().token() + "_", &status);
     if (!m_tempPath.empty())
         TemporaryFiles::add(m_tempPath);
     std::unique_ptr<Movie> movie = m_tempPath.empty() ? nullptr : Movie::createInStorage(m_tempPath, &status);

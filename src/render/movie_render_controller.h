@@ -32,6 +32,11 @@ namespace plyra {
 /// Threads: main thread.
 class MovieRenderController : public RenderController {
 public:
+    /// Where the temporary movies are made: "/tmp/Plyra_PID-TICKS_XXXXXX", named after
+    /// the process, so that a later start can remove those of a process that was killed.
+    static constexpr const char* kTemporaryMovieFolder = "/tmp/";
+    static constexpr const char* kTemporaryMoviePrefix = "Plyra_";
+
     explicit MovieRenderController(MorphDocument& document);
     ~MovieRenderController() override;
 

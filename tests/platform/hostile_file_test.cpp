@@ -3,6 +3,7 @@
 // hostile entries a scratch folder can hold: FIFOs, devices, links to them, sparse files.
 #include "platform/atomic_file_writer.h"
 #include "platform/output_path_guard.h"
+#include "platform/process_identity.h"
 #include "platform/regular_file.h"
 #include "platform/stop_request.h"
 #include "platform/temporary_files.h"
@@ -15,6 +16,7 @@
 #include <functional>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace plyra {
@@ -211,6 +213,36 @@ TEST_F(HostileFile, AtomicWritesReplaceOnlyRegularFilesAndLeaveNoSideFiles)
     // keep.txt, link.txt and fifo: no side file stayed, none is listed.
     EXPECT_EQ(std::distance(fs::directory_iterator(m_dir), fs::directory_iterator()), 3);
     EXPECT_TRUE(TemporaryFiles::paths().empty());
+}
+
+// What a killed process left in /tmp goes at the next start; what a running one (this
+// test) keeps, and whatever is not a temporary movie, stays.
+TEST_F(HostileFile, TemporaryMoviesOfEndedProcessesGoAndOthersStay)
+{
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0)
+        ::_exit(0);
+    const std::optional<ProcessIdentity> ended = ProcessIdentity::of(child);
+    ::waitpid(child, nullptr, 0);
+    const std::string endedToken = ended ? ended->token() : std::to_string(child) + "-1";
+    const std::string self = ProcessIdentity::current().token();
+    const struct {
+        std::string name;
+        bool removed;
+    } entries[] = {
+        {"Plyra_" + endedToken + "_a1B2c3", true},
+        {"Plyra_" + self + "_d4E5f6", false},
+        {"Plyra_notAToken_g7H8i9", false},
+        {"Other_" + endedToken + "_j1K2l3", false},
+    };
+    for (const auto& entry : entries)
+        writeText(path(entry.name), "movie");
+    fs::create_directory(path("Plyra_" + endedToken + "_folder"));
+    EXPECT_EQ(TemporaryFiles::removeThoseOfEndedProcesses(m_dir.string(), "Plyra_"), 1);
+    for (const auto& entry : entries)
+        EXPECT_EQ(fs::exists(path(entry.name)), !entry.removed) << entry.name;
+    EXPECT_TRUE(fs::is_directory(path("Plyra_" + endedToken + "_folder")));
 }
 
 } // namespace

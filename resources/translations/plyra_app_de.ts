@@ -35,6 +35,22 @@
         <source>Revert</source>
         <translation>Zurücksetzen</translation>
     </message>
+    <message>
+        <source>Plyra found unsaved changes to “%1” from %2.</source>
+        <translation>Plyra hat ungesicherte Änderungen an „%1“ vom %2 gefunden.</translation>
+    </message>
+    <message>
+        <source>Recover opens the document with these changes, still to be saved. Discard deletes them.</source>
+        <translation>„Wiederherstellen“ öffnet das Dokument mit diesen Änderungen, die noch zu speichern sind. „Verwerfen“ löscht sie.</translation>
+    </message>
+    <message>
+        <source>Recover</source>
+        <translation>Wiederherstellen</translation>
+    </message>
+    <message>
+        <source>Discard</source>
+        <translation>Verwerfen</translation>
+    </message>
 </context>
 <context>
     <name>DocumentToolbar</name>
@@ -474,6 +490,13 @@
     <message>
         <source>A document cannot be saved inside its own package.</source>
         <translation>Ein Dokument kann nicht in seinem eigenen Paket gespeichert werden.</translation>
+    </message>
+</context>
+<context>
+    <name>plyra::DocumentRecovery</name>
+    <message>
+        <source>The unsaved changes to &quot;%1&quot; could not be recovered.</source>
+        <translation>Die ungesicherten Änderungen an „%1“ konnten nicht wiederhergestellt werden.</translation>
     </message>
 </context>
 <context>

@@ -64,6 +64,7 @@ MorphEditorWindowController* DocumentManager::adopt(std::unique_ptr<MorphDocumen
     const QString untitled = path.isEmpty() ? nextUntitledName() : QString();
     MorphEditorWindowController* window = m_makeWindow(std::move(document), path, untitled);
     m_windows.emplace_back(window);
+    emit windowAdopted(window);
     window->show();
     window->raise();
     window->activateWindow();
@@ -124,6 +125,29 @@ MorphEditorWindowController* DocumentManager::openDocument(const QString& path)
     }
     m_prompts->showError(nullptr, tr("The document \"%1\" could not be opened.").arg(documentName(path)), reason);
     return nullptr;
+}
+
+MorphEditorWindowController* DocumentManager::openRecovered(std::unique_ptr<MorphDocument> document)
+{
+    const QString path = document->fileLocation().isEmpty() ? QString() : canonical(document->fileLocation());
+    // An unedited window of that package, and the empty window a start without
+    // arguments shows, give way; only after the new window is there, so that closing
+    // them never closes the last window.
+    std::vector<MorphEditorWindowController*> givingWay;
+    for (const QPointer<MorphEditorWindowController>& window : m_windows)
+        if (window && !window->document().isEdited() && (isBlank(*window) || (!path.isEmpty() && window == windowForPath(path))))
+            givingWay.push_back(window);
+    MorphEditorWindowController* recovered = adopt(std::move(document), path);
+    for (MorphEditorWindowController* window : givingWay)
+        discard(window);
+    return recovered;
+}
+
+bool DocumentManager::isBlank(const MorphEditorWindowController& window)
+{
+    const MorphDocument& document = window.document();
+    return window.filePath().isEmpty() && !document.isEdited() && document.morphLines().empty()
+        && document.imageURLInTrack(0).isEmpty() && document.imageURLInTrack(1).isEmpty();
 }
 
 MorphEditorWindowController* DocumentManager::openDocumentInteractively(QWidget* parent)
@@ -222,14 +246,15 @@ void DocumentManager::discardAll()
     for (const QPointer<MorphEditorWindowController>& window : windows) {
         if (!window)
             continue;
-        discard(window);
-        // At once: the event loop that would delete it later is ending.
+        discard(window, false);
+        // At once: the event loop that would delete it later has ended.
         delete window.data();
     }
 }
 
-void DocumentManager::discard(MorphEditorWindowController* window)
+void DocumentManager::discard(MorphEditorWindowController* window, bool onPurpose)
 {
+    emit windowDiscarded(window, onPurpose);
     std::erase_if(m_windows, [window](const QPointer<MorphEditorWindowController>& w) { return !w || w == window; });
     window->closeDocumentWindows();
     window->hide();

@@ -43,6 +43,10 @@ public:
     MorphEditorWindowController* openDocument(const QString& path);
     /// Asks for a package, then opens it.
     MorphEditorWindowController* openDocumentInteractively(QWidget* parent);
+    /// A window for a recovered document, which belongs to its fileLocation() (or to
+    /// none: it comes back untitled). An unedited window of that package, and an empty
+    /// untitled one, give way.
+    MorphEditorWindowController* openRecovered(std::unique_ptr<MorphDocument> document);
 
     bool save(MorphEditorWindowController* window);
     bool saveAs(MorphEditorWindowController* window);
@@ -51,21 +55,30 @@ public:
     bool close(MorphEditorWindowController* window);
     /// Closes every document, asking for each; false when the user cancelled one.
     bool closeAll();
-    /// Closes every document at once, unsaved changes included.
+    /// Closes every document at once without asking (the program is told to end); their
+    /// recovery copies stay for the next start.
     void discardAll();
 
     const std::vector<QPointer<MorphEditorWindowController>>& windows() const { return m_windows; }
     MorphEditorWindowController* windowForPath(const QString& path) const;
     RecentDocuments& recentDocuments() { return m_recent; }
+    DocumentPrompts& prompts() const { return *m_prompts; }
 
 signals:
+    /// A document window opened.
+    void windowAdopted(MorphEditorWindowController* window);
+    /// A document window is about to close; onPurpose when the user chose to lose its
+    /// unsaved changes (or it had none), not when the program is told to end.
+    void windowDiscarded(MorphEditorWindowController* window, bool onPurpose);
     /// The last document window closed.
     void lastWindowClosed();
 
 private:
     MorphEditorWindowController* adopt(std::unique_ptr<MorphDocument> document, const QString& path);
     bool writeTo(MorphEditorWindowController* window, const QString& path);
-    void discard(MorphEditorWindowController* window);
+    void discard(MorphEditorWindowController* window, bool onPurpose = true);
+    /// An untitled window that nobody has used: no images, no lines, no changes.
+    static bool isBlank(const MorphEditorWindowController& window);
     QString nextUntitledName();
 
     std::unique_ptr<DocumentPrompts> m_prompts;

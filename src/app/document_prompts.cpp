@@ -4,6 +4,7 @@
 #include "app/package_file_dialog.h"
 
 #include <QApplication>
+#include <QLocale>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -58,6 +59,23 @@ QString DialogDocumentPrompts::askOpenPath(QWidget* window, const QString& start
 QString DialogDocumentPrompts::askSavePath(QWidget* window, const QString& startPath)
 {
     return PackageFileDialog::getSavePackageName(window, startPath);
+}
+
+DocumentPrompts::RecoveryAnswer DialogDocumentPrompts::askToRecover(const QString& displayName, const QDateTime& savedAt)
+{
+    QMessageBox box(QMessageBox::Question, QApplication::applicationDisplayName(),
+        promptText(QT_TRANSLATE_NOOP("DocumentPrompts", "Plyra found unsaved changes to “%1” from %2."))
+            .arg(displayName, QLocale().toString(savedAt, QLocale::ShortFormat)),
+        QMessageBox::NoButton, nullptr);
+    box.setInformativeText(promptText(QT_TRANSLATE_NOOP("DocumentPrompts",
+        "Recover opens the document with these changes, still to be saved. Discard deletes them.")));
+    QPushButton* recover = box.addButton(promptText(QT_TRANSLATE_NOOP("DocumentPrompts", "Recover")), QMessageBox::AcceptRole);
+    QPushButton* discard = box.addButton(promptText(QT_TRANSLATE_NOOP("DocumentPrompts", "Discard")), QMessageBox::DestructiveRole);
+    box.setDefaultButton(recover);
+    box.exec();
+    if (box.clickedButton() == recover)
+        return RecoveryAnswer::Recover;
+    return box.clickedButton() == discard ? RecoveryAnswer::Discard : RecoveryAnswer::Later;
 }
 
 void DialogDocumentPrompts::showError(QWidget* window, const QString& message, const QString& reason)

@@ -24,15 +24,17 @@ int main(int argc, char* argv[])
 
     plyra::PlyraApplication plyraApp(std::make_unique<plyra::DialogDocumentPrompts>(), std::make_unique<plyra::MessageBoxUpdateAlerts>());
     QObject::connect(&plyraApp, &plyra::PlyraApplication::finished, &application, &QApplication::quit);
-    // Asked to end from outside: the windows close without questions, so that nothing
+    // Asked to end from outside: unsaved changes go to their recovery copies, dialogs and
+    // event loops end, and the windows close once exec() has returned, so that nothing
     // they made (temporary movies) is left behind.
     plyra::TerminationSignals termination;
-    QObject::connect(&termination, &plyra::TerminationSignals::terminationRequested, &application, [&plyraApp, &application](int) {
-        plyraApp.discardAllDocuments();
-        application.quit();
-    });
+    QObject::connect(&termination, &plyra::TerminationSignals::terminationRequested, &plyraApp,
+        [&plyraApp](int) { plyraApp.terminate(); });
     if (!plyraApp.openArguments(parser.positionalArguments()))
         return 1;
     QTimer::singleShot(0, &plyraApp, &plyra::PlyraApplication::applicationDidFinishLaunching);
-    return application.exec();
+    const int status = plyraApp.isTerminating() ? 0 : application.exec();
+    // Only now: no dialog's event loop is left on the stack.
+    plyraApp.discardAllDocuments();
+    return status;
 }

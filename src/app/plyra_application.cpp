@@ -4,6 +4,7 @@
 #include "app/counterpart_prediction_toggle.h"
 #include "app/document_manager.h"
 #include "app/document_prompts.h"
+#include "app/document_recovery.h"
 #include "app/help_window.h"
 #include "app/morph_app_controller.h"
 #include "app/morph_editor_window_controller.h"
@@ -14,9 +15,12 @@
 #include "model/morph_document.h"
 #include "platform/qt/qt_run_loop.h"
 #include "platform/user_text.h"
+#include "platform/temporary_files.h"
+#include "render/movie_render_controller.h"
 #include "widgets/screen_fit.h"
 
 #include <QApplication>
+#include <QDialog>
 #include <QFileInfo>
 #include <QIcon>
 #include <QLibraryInfo>
@@ -111,6 +115,7 @@ PlyraApplication::PlyraApplication(std::unique_ptr<DocumentPrompts> prompts, std
         });
     connect(m_documents.get(), &DocumentManager::lastWindowClosed, this, &PlyraApplication::finished);
     connectInspector();
+    m_recovery = std::make_unique<DocumentRecovery>(*m_documents);
 }
 
 void PlyraApplication::connectInspector()
@@ -138,7 +143,21 @@ bool PlyraApplication::openArguments(const QStringList& arguments)
 
 void PlyraApplication::applicationDidFinishLaunching()
 {
-    m_appController->applicationDidFinishLaunching();
+    TemporaryFiles::removeThoseOfEndedProcesses(MovieRenderController::kTemporaryMovieFolder,
+        MovieRenderController::kTemporaryMoviePrefix);
+    m_recovery->offerLeftCopies([this] { return m_terminating; });
+    if (!m_terminating)
+        m_appController->applicationDidFinishLaunching();
+}
+
+void PlyraApplication::terminate()
+{
+    m_terminating = true;
+    m_recovery->writeAllNow();
+    for (QWidget* widget : QApplication::topLevelWidgets())
+        if (auto* dialog = qobject_cast<QDialog*>(widget); dialog && dialog->isVisible())
+            dialog->reject();
+    QCoreApplication::exit(0);
 }
 
 void PlyraApplication::discardAllDocuments()

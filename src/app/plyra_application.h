@@ -17,6 +17,7 @@ namespace plyra {
 class DocumentManager;
 class DocumentPrompts;
 class HelpWindow;
+class DocumentRecovery;
 class MorphAppController;
 class UpdateAlerts;
 
@@ -42,11 +43,20 @@ public:
     /// Opens what the arguments name: packages, or two images for a new document, or
     /// nothing (an empty new document). False when nothing could be opened.
     bool openArguments(const QStringList& arguments);
+    /// Offers the unsaved changes that ended processes left, removes their temporary
+    /// movies, and starts the update check.
     void applicationDidFinishLaunching();
-    /// Closes every document window without asking (the program is told to end).
+    /// Asked to end from outside (SIGTERM, SIGINT, SIGHUP): nobody is there to answer a
+    /// question, so unsaved changes go into their recovery copies; open dialogs end, and
+    /// with them every event loop, so that exec() returns. The windows close after that,
+    /// with discardAllDocuments().
+    void terminate();
+    bool isTerminating() const { return m_terminating; }
+    /// Closes every document window without asking; their recovery copies stay.
     void discardAllDocuments();
 
     DocumentManager& documents() const { return *m_documents; }
+    DocumentRecovery& recovery() const { return *m_recovery; }
     MorphAppController& appController() const { return *m_appController; }
 
     // ApplicationCommands
@@ -76,8 +86,11 @@ private:
 
     std::unique_ptr<DocumentManager> m_documents;
     std::unique_ptr<MorphAppController> m_appController;
+    // After the documents: autosave lets go of them before they go.
+    std::unique_ptr<DocumentRecovery> m_recovery;
     QPointer<HelpWindow> m_help;
     FaceFinding m_faceFinding = FaceFinding::installed();
+    bool m_terminating = false;
 };
 
 } // namespace plyra

@@ -22,6 +22,8 @@ public:
         std::deque<QString> savePaths;
         std::deque<QString> openPaths;
         QStringList saveStarts; // where each save dialog started
+        std::deque<RecoveryAnswer> recoveryAnswers;
+        QStringList recoveries; // "name | date" of each recovery question
         bool revert = true;
         QStringList asked;  // the display names asked about
         QStringList errors; // "message | reason"
@@ -44,6 +46,12 @@ public:
     void showError(QWidget*, const QString& message, const QString& reason) override
     {
         m_script.errors.append(message + QStringLiteral(" | ") + reason);
+    }
+
+    RecoveryAnswer askToRecover(const QString& displayName, const QDateTime& savedAt) override
+    {
+        m_script.recoveries.append(displayName + QStringLiteral(" | ") + savedAt.toString(Qt::ISODate));
+        return take(m_script.recoveryAnswers, RecoveryAnswer::Later);
     }
 
 private:

@@ -68,6 +68,7 @@ class Plyra:
             "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
             "QT_ACCESSIBILITY": "1",
             "PLYRA_DEFAULTS_FILE": os.path.join(scratch, "defaults.ini"),
+            "XDG_STATE_HOME": os.path.join(scratch, "state"),
             "LANGUAGE": language,
             "LC_ALL": "C.UTF-8" if language == "en" else "de_DE.UTF-8",
             "LANG": "C.UTF-8" if language == "en" else "de_DE.UTF-8",

@@ -26,9 +26,9 @@ ctest --test-dir build --output-on-failure -j "$jobs" --timeout 300
 
 # Test suites of the readers of files (property lists, colour archives, packages, fuzz
 # regressions) and of the code that runs on several threads.
-parsers='HostileFile|PackageHostile|FolderCarryOver|LargeImage|PropertyList|OpenStep|ColorArchive|ArchivedColor|FuzzRegression|DocumentPackage|TiffIo|MorphLineStoredForm|StringTable|MovieFile|CliOptions|PlyraRender|FaceNetworks|FaceImageSource'
-threads='FrameConversionQueue|ConditionLock|MorphCalculationJob|Morpher|ImageRenderer|AsyncMovieWriter|FramePixels|FrameRender|MovieRender|SampleCoords'
-sanitized_targets=(platform_tests model_tests engine_tests render_tests cli_tests face_tests)
+parsers='HostileFile|PackageHostile|FolderCarryOver|LargeImage|PropertyList|OpenStep|ColorArchive|ArchivedColor|FuzzRegression|DocumentPackage|TiffIo|MorphLineStoredForm|StringTable|MovieFile|CliOptions|PlyraRender|FaceNetworks|FaceImageSource|Autosave'
+threads='FrameConversionQueue|ConditionLock|MorphCalculationJob|Morpher|ImageRenderer|AsyncMovieWriter|FramePixels|FrameRender|MovieRender|SampleCoords|Autosave'
+sanitized_targets=(platform_tests model_tests recovery_tests engine_tests render_tests cli_tests face_tests)
 
 echo "== AddressSanitizer + UndefinedBehaviorSanitizer: parsers"
 configure build-asan -DCMAKE_BUILD_TYPE=Debug -DPLYRA_SANITIZE=address -DPLYRA_BUILD_GUI=OFF

@@ -174,6 +174,10 @@
         <source>Animated GIF, looping (*.gif)</source>
         <translation>Animiertes GIF, in Schleife (*.gif)</translation>
     </message>
+    <message>
+        <source>Do you want to save the movie of “%1”?</source>
+        <translation>Möchten Sie den Film von „%1“ speichern?</translation>
+    </message>
 </context>
 <context>
     <name>plyra::PreviewDock</name>
@@ -221,6 +225,14 @@
     <message>
         <source>Could not save to %1</source>
         <translation>Konnte nicht unter %1 speichern</translation>
+    </message>
+    <message>
+        <source>It will be lost if you don&apos;t save it.</source>
+        <translation>Er geht verloren, wenn Sie ihn nicht speichern.</translation>
+    </message>
+    <message>
+        <source>Don&apos;t Save</source>
+        <translation>Nicht speichern</translation>
     </message>
 </context>
 <context>

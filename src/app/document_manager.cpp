@@ -227,6 +227,8 @@ bool DocumentManager::close(MorphEditorWindowController* window)
             return false;
         }
     }
+    if (!window->mayCloseDocumentWindows())
+        return false;
     discard(window);
     return true;
 }

@@ -85,6 +85,11 @@ std::optional<float> DocumentRenderWindows::shownFrameTime() const
     return m_frameWindow->time();
 }
 
+bool DocumentRenderWindows::mayCloseAll()
+{
+    return !m_movieWindow || m_movieWindow->mayDiscardResult();
+}
+
 void DocumentRenderWindows::closeAll()
 {
     delete m_frameWindow.data();

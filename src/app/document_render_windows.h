@@ -37,7 +37,10 @@ public:
     void setDocumentName(const QString& displayName, const QString& filePath);
     /// The time the frame window shows, or nothing while none is open.
     std::optional<float> shownFrameTime() const;
-    /// Closes and deletes both windows.
+    /// Asks before a finished movie that was not saved is lost; false when the user
+    /// cancelled.
+    bool mayCloseAll();
+    /// Closes and deletes both windows, without asking.
     void closeAll();
 
 protected:

@@ -377,6 +377,11 @@ void MorphEditorWindowController::showMovieWindow()
     m_renderWindows->showMovieWindow();
 }
 
+bool MorphEditorWindowController::mayCloseDocumentWindows()
+{
+    return m_renderWindows->mayCloseAll();
+}
+
 void MorphEditorWindowController::closeDocumentWindows()
 {
     m_renderWindows->closeAll();

@@ -48,6 +48,8 @@ public:
     /// The package's name without ".plyra", or the untitled name.
     QString displayName() const;
 
+    /// Asks about a finished movie that was not saved; false when the user cancelled.
+    bool mayCloseDocumentWindows();
     /// Closes the render windows that belong to this document.
     void closeDocumentWindows();
 

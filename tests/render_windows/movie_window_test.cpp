@@ -67,6 +67,8 @@ private slots:
     void temporaryMoviesComeAndGo();
     void savesASelfContainedMovie_data();
     void savesASelfContainedMovie();
+    void asksBeforeAnUnsavedMovieIsLost_data();
+    void asksBeforeAnUnsavedMovieIsLost();
     void aCodecNothingCanWriteIsShown();
     void playerKeysAndNames();
     void aWindowSizedToItsMovieStaysOnTheScreen();
@@ -248,6 +250,43 @@ void MovieWindowTest::savesASelfContainedMovie()
     QCOMPARE(probed.value(QStringLiteral("nb_read_frames")), QStringLiteral("12"));
     // GIF delays are whole hundredths of a second: 1/24 s becomes 0.04 s.
     QVERIFY(qAbs(probed.value(QStringLiteral("duration")).toDouble() - 0.5) <= (chooseGif ? 0.021 : 0.0));
+}
+
+void MovieWindowTest::asksBeforeAnUnsavedMovieIsLost_data()
+{
+    QTest::addColumn<int>("answer");
+    QTest::addColumn<bool>("savedFirst");
+    QTest::addColumn<bool>("staysOpen");
+    using Answer = RenderSaveDialog::UnsavedResultAnswer;
+    QTest::newRow("cancel") << int(Answer::Cancel) << false << true;
+    QTest::newRow("don't save") << int(Answer::DontSave) << false << false;
+    QTest::newRow("saved before") << int(Answer::Cancel) << true << false;
+}
+
+void MovieWindowTest::asksBeforeAnUnsavedMovieIsLost()
+{
+    QFETCH(int, answer);
+    QFETCH(bool, savedFirst);
+    QFETCH(bool, staysOpen);
+    test::WindowTestDocument doc;
+    MovieWindow window(*doc.document);
+    window.setNumberOfFrames(4);
+    window.show();
+    QVERIFY(renderToEnd(window));
+    QVERIFY(test::waitFor([&] { return window.hasUnsavedResult(); }));
+    if (savedFirst)
+        QVERIFY(window.saveToPath(doc.dir.filePath(QStringLiteral("kept.mov"))));
+    int asked = 0;
+    RenderWindow::setUnsavedResultQuestion([&](RenderWindow&) {
+        ++asked;
+        return RenderSaveDialog::UnsavedResultAnswer(answer);
+    });
+    window.close();
+    QCOMPARE(asked, savedFirst ? 0 : 1);
+    QCOMPARE(window.isVisible(), staysOpen);
+    QCOMPARE(QFile::exists(QString::fromStdString(window.renderer().tempPath())), staysOpen);
+    RenderWindow::setUnsavedResultQuestion([](RenderWindow&) { return RenderSaveDialog::UnsavedResultAnswer::DontSave; });
+    window.close();
 }
 
 void MovieWindowTest::aCodecNothingCanWriteIsShown()

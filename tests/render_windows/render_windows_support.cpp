@@ -5,6 +5,7 @@
 #include "platform/qt/timer.h"
 #include "platform/qt/user_defaults.h"
 #include "platform/run_loop.h"
+#include "render/windows/render_window.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -23,6 +24,8 @@ void initRenderWindowTests()
     UserDefaults::standard().useFile(defaults.filePath(QStringLiteral("defaults.ini")));
     bindRunLoopToQtEventLoop();
     testClock();
+    // Windows closed with a movie never saved: no question waits for an answer.
+    RenderWindow::setUnsavedResultQuestion([](RenderWindow&) { return RenderSaveDialog::UnsavedResultAnswer::DontSave; });
 }
 
 ManualClock& testClock()

@@ -94,6 +94,7 @@ bool MovieWindow::startRender()
     const bool started = renderer().recalc();
     m_framesShown = 0;
     m_complete = false;
+    m_saved = false;
     m_player->setWriter(renderer().writer());
     // Found before any frame is computed: a codec that cannot take this size, no room
     // for the temporary movie.
@@ -180,9 +181,20 @@ SaveFileTypes MovieWindow::saveFileTypes() const
 bool MovieWindow::saveRenderedFramesToPath(const QString& path, QString* error)
 {
     const bool saved = renderer().saveRenderedMovie(path, error);
+    m_saved = m_saved || saved;
     // Saving waited for the last frames: the player may show them now.
     m_player->refresh();
     return saved;
+}
+
+bool MovieWindow::hasUnsavedResult() const
+{
+    return isVisible() && m_complete && !m_saved;
+}
+
+QString MovieWindow::unsavedResultQuestion(const QString& name) const
+{
+    return tr("Do you want to save the movie of “%1”?").arg(name);
 }
 
 void MovieWindow::windowClosed()

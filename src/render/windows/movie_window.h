@@ -34,11 +34,14 @@ public:
 
     /// "NAME rendering movie (45%)" while frames are outstanding, else "NAME rendered movie".
     static QString titleForProgress(const QString& name, float progress);
+    /// A complete movie on show that was not saved since it was rendered.
+    bool hasUnsavedResult() const override;
 
 protected:
     bool startRender() override;
     void showPolledResults() override;
     QString windowTitleForDocumentDisplayName(const QString& name) const override;
+    QString unsavedResultQuestion(const QString& name) const override;
     RenderSettingsSheet* createSettingsSheet() override;
     void prepareSettingsSheet() override;
     void applySheetSettings() override;
@@ -58,6 +61,7 @@ private:
     MoviePlayer* m_player = nullptr;
     int m_framesShown = 0;
     bool m_complete = false;
+    bool m_saved = false;
 };
 
 } // namespace plyra

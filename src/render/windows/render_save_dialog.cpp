@@ -5,6 +5,9 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QPushButton>
+
+#include <memory>
 
 namespace plyra {
 QString RenderSaveDialog::pathWithRequiredExtension(const QString& path, const SaveFileTypes& types)
@@ -25,19 +28,19 @@ QString RenderSaveDialog::startPath(const QString& documentPath, const QString& 
     return document.dir().filePath(document.completeBaseName() + QLatin1Char('.') + requiredExtension);
 }
 
-void RenderSaveDialog::run(QWidget* window, const QString& documentPath, const SaveFileTypes& types,
-    std::function<void(const QString&)> save)
+namespace {
+
+QFileDialog* makeDialog(QWidget* window, const QString& documentPath, const SaveFileTypes& types)
 {
-    auto* dialog = new QFileDialog(window, tr("Save"));
+    auto* dialog = new QFileDialog(window, RenderSaveDialog::tr("Save"));
     dialog->setObjectName(QStringLiteral("saveDialog"));
-    dialog->setAccessibleName(tr("Save"));
+    dialog->setAccessibleName(RenderSaveDialog::tr("Save"));
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setFileMode(QFileDialog::AnyFile);
     dialog->setWindowModality(Qt::WindowModal);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setNameFilters(types.nameFilters);
     dialog->setDefaultSuffix(types.requiredExtension);
-    const QString start = startPath(documentPath, types.requiredExtension);
+    const QString start = RenderSaveDialog::startPath(documentPath, types.requiredExtension);
     if (documentPath.isEmpty()) {
         dialog->setDirectory(start);
     } else {
@@ -50,10 +53,44 @@ void RenderSaveDialog::run(QWidget* window, const QString& documentPath, const S
         const QStringList all = QStringList{types.requiredExtension} + types.alternativeExtensions;
         dialog->setDefaultSuffix(index >= 0 && index < all.size() ? all[index] : types.requiredExtension);
     });
+    return dialog;
+}
+
+} // namespace
+
+void RenderSaveDialog::run(QWidget* window, const QString& documentPath, const SaveFileTypes& types,
+    std::function<void(const QString&)> save)
+{
+    QFileDialog* dialog = makeDialog(window, documentPath, types);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
     QObject::connect(dialog, &QFileDialog::fileSelected, window, [types, save](const QString& path) {
         save(pathWithRequiredExtension(path, types));
     });
     dialog->open();
+}
+
+QString RenderSaveDialog::askPath(QWidget* window, const QString& documentPath, const SaveFileTypes& types)
+{
+    const std::unique_ptr<QFileDialog> dialog(makeDialog(window, documentPath, types));
+    if (dialog->exec() != QDialog::Accepted || dialog->selectedFiles().isEmpty())
+        return {};
+    return pathWithRequiredExtension(dialog->selectedFiles().constFirst(), types);
+}
+
+RenderSaveDialog::UnsavedResultAnswer RenderSaveDialog::askToSaveResult(QWidget* window, const QString& question)
+{
+    QMessageBox box(QMessageBox::Warning, tr("Save"), question, QMessageBox::NoButton, window);
+    box.setObjectName(QStringLiteral("unsavedResultQuestion"));
+    box.setInformativeText(tr("It will be lost if you don't save it."));
+    QPushButton* save = box.addButton(QMessageBox::Save);
+    QPushButton* discard = box.addButton(tr("Don't Save"), QMessageBox::DestructiveRole);
+    box.addButton(QMessageBox::Cancel);
+    box.setDefaultButton(save);
+    box.setWindowModality(Qt::WindowModal);
+    box.exec();
+    if (box.clickedButton() == save)
+        return UnsavedResultAnswer::Save;
+    return box.clickedButton() == discard ? UnsavedResultAnswer::DontSave : UnsavedResultAnswer::Cancel;
 }
 
 void RenderSaveDialog::showSaveFailedAlert(QWidget* window, const QString& path, const QString& reason)

@@ -38,6 +38,15 @@ public:
     static void run(QWidget* window, const QString& documentPath, const SaveFileTypes& types,
         std::function<void(const QString&)> save);
 
+    /// The same dialog, waited for: the chosen path (extension enforced), or empty when
+    /// the user cancels.
+    static QString askPath(QWidget* window, const QString& documentPath, const SaveFileTypes& types);
+
+    enum class UnsavedResultAnswer { Save, DontSave, Cancel };
+    /// Before a finished result that was never saved would be lost: the question, and
+    /// Save, Don't Save or Cancel.
+    static UnsavedResultAnswer askToSaveResult(QWidget* window, const QString& question);
+
     /// The alert of a failed save: "Saving failed", "Could not save to PATH", the reason.
     static void showSaveFailedAlert(QWidget* window, const QString& path, const QString& reason);
 };

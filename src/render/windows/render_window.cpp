@@ -239,6 +239,10 @@ void RenderWindow::showEvent(QShowEvent* event)
 
 void RenderWindow::closeEvent(QCloseEvent* event)
 {
+    if (!mayDiscardResult()) {
+        event->ignore();
+        return;
+    }
     m_scheduler->stop();
     m_scheduler->setObservingDocument(false);
     windowClosed();
@@ -254,6 +258,37 @@ bool RenderWindow::eventFilter(QObject* watched, QEvent* event)
 }
 
 // ---- saving -----------------------------------------------------------------------------
+
+namespace {
+
+RenderWindow::UnsavedResultQuestion& unsavedResultQuestionHook()
+{
+    static RenderWindow::UnsavedResultQuestion question;
+    return question;
+}
+
+} // namespace
+
+void RenderWindow::setUnsavedResultQuestion(UnsavedResultQuestion question)
+{
+    unsavedResultQuestionHook() = std::move(question);
+}
+
+bool RenderWindow::mayDiscardResult()
+{
+    if (!hasUnsavedResult())
+        return true;
+    raise();
+    activateWindow();
+    const UnsavedResultQuestion& hook = unsavedResultQuestionHook();
+    using Answer = RenderSaveDialog::UnsavedResultAnswer;
+    const Answer answer = hook ? hook(*this)
+                               : RenderSaveDialog::askToSaveResult(this, unsavedResultQuestion(m_displayName));
+    if (answer != Answer::Save)
+        return answer == Answer::DontSave;
+    const QString path = RenderSaveDialog::askPath(this, m_documentPath, saveFileTypes());
+    return !path.isEmpty() && saveToPath(path);
+}
 
 void RenderWindow::save()
 {

@@ -6,6 +6,7 @@
 
 #include <QMainWindow>
 
+#include <functional>
 #include <memory>
 
 namespace plyra {
@@ -21,7 +22,8 @@ struct SheetSettings;
 /// sheet, the save dialog, and the render cycle: every change of the document or the
 /// settings leads to one recalculation 0.1 s after the last of a burst, which only a
 /// visible window carries out; a 0.1 s timer polls the render without waiting. Closing
-/// the window stops its render and never asks about the document.
+/// the window stops its render; it asks first only when a finished result that was
+/// never saved would be lost, never about the document.
 /// Threads: main thread.
 class RenderWindow : public QMainWindow {
     Q_OBJECT
@@ -66,6 +68,16 @@ public:
     /// Starts a new render now, unless the window is hidden or the document has no image.
     void recalc();
 
+    /// What asks before a finished result that was never saved is lost: by default the
+    /// message box of RenderSaveDialog::askToSaveResult (tests answer without one).
+    using UnsavedResultQuestion = std::function<RenderSaveDialog::UnsavedResultAnswer(RenderWindow&)>;
+    static void setUnsavedResultQuestion(UnsavedResultQuestion question);
+    /// Whether closing the window would lose a finished result that was never saved.
+    virtual bool hasUnsavedResult() const { return false; }
+    /// Asks first when closing would lose such a result; Save runs the save dialog and
+    /// saves. True when the window may close.
+    bool mayDiscardResult();
+
     /// Runs the save dialog and saves the result to the chosen file.
     void save();
     /// Saves to the path, with the alert "Saving failed" when that fails.
@@ -97,6 +109,8 @@ protected:
     /// Shows what the last poll consumed.
     virtual void showPolledResults() { }
     virtual QString windowTitleForDocumentDisplayName(const QString& name) const = 0;
+    /// The question before an unsaved result is lost, naming the document.
+    virtual QString unsavedResultQuestion(const QString& name) const { return name; }
     virtual RenderSettingsSheet* createSettingsSheet() = 0;
     /// The sheet's settings from this window's, and back on OK.
     virtual SheetSettings sheetSettings();

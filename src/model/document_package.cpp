@@ -27,7 +27,7 @@ constexpr const char* kFrameHeight = "frameHeight";
 constexpr const char* kCodecFormat = "codecFormat";
 constexpr const char* kCodecQuality = "codecQuality";
 constexpr const char* kLineColorData = "lineColorData";
-constexpr const char* kMorphLines = "morphLines";
+constexpr const char* kMorphLines = DocumentPackage::kMorphLinesKey;
 
 QString packageText(const char* source)
 {
@@ -94,15 +94,15 @@ void collectImages(const MorphDocument& document, const QString& packagePath, Pa
 
 } // namespace
 
-PackageContents DocumentPackage::contents(const MorphDocument& document, const QString& packagePath)
+PackageContents DocumentPackage::contents(const MorphDocument& document, const QString& packagePath, bool withLines)
 {
     PackageContents contents;
     // Keys this version does not read go back as they were; known keys are written
     // over them.
     contents.info = document.foreignPackageInfo();
     PropertyList::Array lines;
-    for (const MorphLine::Ptr& line : document.morphLines())
-        lines.push_back(line->pList());
+    for (std::size_t i = 0; withLines && i < document.morphLines().size(); ++i)
+        lines.push_back(document.morphLines()[i]->pList());
     contents.info[kMorphLines] = std::move(lines);
     collectImages(document, packagePath, contents);
     // The frame size is two floats, written as reals.

@@ -45,6 +45,7 @@ public:
     static constexpr const char* kInfoFileName = "info.plist";
     static constexpr const char* kFirstImagePathKey = "firstImagePath";
     static constexpr const char* kLastImagePathKey = "lastImagePath";
+    static constexpr const char* kMorphLinesKey = "morphLines";
 
     /// Adds the package's images, settings and lines to the document with undo
     /// registration suspended, and hands it the keys of "info.plist" that reading did
@@ -56,8 +57,9 @@ public:
     static bool write(const MorphDocument& document, const QString& packagePath, QString* error = nullptr,
         const CommitHooks& hooks = {});
 
-    /// What writing the document to packagePath would put into the package.
-    static PackageContents contents(const MorphDocument& document, const QString& packagePath);
+    /// What writing the document to packagePath would put into the package; without the
+    /// lines when withLines is false (a caller that converts them elsewhere).
+    static PackageContents contents(const MorphDocument& document, const QString& packagePath, bool withLines = true);
     /// The name a file at path has inside the folder ("Image_0.png", "images/a.png");
     /// empty when it lies outside.
     static QString nameInside(const QString& folder, const QString& path);

@@ -145,23 +145,29 @@ std::string timeToString(float t)
     return numberToText(t, 7);
 }
 
-PropertyList MorphLine::pList() const
+MorphLine::Values MorphLine::values() const
+{
+    return {m_startPoints, m_endPoints, m_startPointBeginMoveTime, m_startPointStopMoveTime, m_endPointBeginMoveTime,
+        m_endPointStopMoveTime, m_dissolveStartTime, m_dissolveEndTime};
+}
+
+PropertyList MorphLine::Values::pList() const
 {
     PropertyList::Array starts;
     PropertyList::Array ends;
-    for (const Point& p : m_startPoints)
+    for (const Point& p : startPoints)
         starts.emplace_back(pointToString(p));
-    for (const Point& p : m_endPoints)
+    for (const Point& p : endPoints)
         ends.emplace_back(pointToString(p));
     PropertyList::Dictionary dict;
     dict["startPoints"] = std::move(starts);
     dict["endPoints"] = std::move(ends);
-    dict["startPointBeginMoveTime"] = timeToString(m_startPointBeginMoveTime);
-    dict["startPointStopMoveTime"] = timeToString(m_startPointStopMoveTime);
-    dict["endPointBeginMoveTime"] = timeToString(m_endPointBeginMoveTime);
-    dict["endPointStopMoveTime"] = timeToString(m_endPointStopMoveTime);
-    dict["dissolveStartTime"] = timeToString(m_dissolveStartTime);
-    dict["dissolveEndTime"] = timeToString(m_dissolveEndTime);
+    dict["startPointBeginMoveTime"] = timeToString(startPointBeginMoveTime);
+    dict["startPointStopMoveTime"] = timeToString(startPointStopMoveTime);
+    dict["endPointBeginMoveTime"] = timeToString(endPointBeginMoveTime);
+    dict["endPointStopMoveTime"] = timeToString(endPointStopMoveTime);
+    dict["dissolveStartTime"] = timeToString(dissolveStartTime);
+    dict["dissolveEndTime"] = timeToString(dissolveEndTime);
     return dict;
 }
 

@@ -33,9 +33,25 @@ public:
     /// parse to a dictionary); missing or unreadable entries keep their defaults.
     static Ptr fromValues(const PropertyList& dictionaryOrString);
 
+    /// What a line stores, as a plain value: taken on the main thread, it may be turned
+    /// into its property-list form on another.
+    struct Values {
+        std::vector<Point> startPoints;
+        std::vector<Point> endPoints;
+        float startPointBeginMoveTime = 0.0f;
+        float startPointStopMoveTime = 1.0f;
+        float endPointBeginMoveTime = 0.0f;
+        float endPointStopMoveTime = 1.0f;
+        float dissolveStartTime = 0.0f;
+        float dissolveEndTime = 1.0f;
+
+        PropertyList pList() const;
+    };
+
     /// Same points and times, no connections.
     Ptr copy() const;
-    PropertyList pList() const;
+    Values values() const;
+    PropertyList pList() const { return values().pList(); }
     /// The OpenStep text form of pList().
     std::string description() const;
 

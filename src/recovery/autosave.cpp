@@ -146,7 +146,12 @@ RecoverySnapshot Autosave::snapshot(const MorphDocument& document)
     const Description description = watched->describe();
     snapshot.copy.documentPath = description.documentPath;
     snapshot.copy.displayName = description.displayName;
-    snapshot.info = DocumentPackage::contents(document, snapshot.copy.packagePath()).info;
+    // The lines as plain values: the writer turns them into their stored form, which
+    // for thousands of lines would hold the main thread too long.
+    snapshot.info = DocumentPackage::contents(document, snapshot.copy.packagePath(), false).info;
+    snapshot.lines.reserve(document.morphLines().size());
+    for (const MorphLine::Ptr& line : document.morphLines())
+        snapshot.lines.push_back(line->values());
     const char* const keys[2] = {DocumentPackage::kFirstImagePathKey, DocumentPackage::kLastImagePathKey};
     for (unsigned track : {0u, 1u}) {
         const QString source = document.imageURLInTrack(track);
@@ -155,7 +160,8 @@ RecoverySnapshot Autosave::snapshot(const MorphDocument& document)
         const QString name = imageNameInCopy(document, track);
         snapshot.info[keys[track]] = name.toStdString();
         snapshot.imageNames.push_back(name);
-        snapshot.copy.imageOrigins[track] = source;
+        // Absolute: the start that recovers it may run in another folder.
+        snapshot.copy.imageOrigins[track] = QFileInfo(source).absoluteFilePath();
         snapshot.copy.imageNamesInPackage[track] = document.imageNameInPackageInTrack(track);
         if (source == watched->linkedSources[track] && name == watched->linkedNames[track])
             continue;

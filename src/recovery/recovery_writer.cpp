@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "recovery/recovery_writer.h"
 
+#include "model/document_package.h"
 #include "model/tiff_io.h"
 #include "platform/folder_carry_over.h"
 #include "platform/log.h"
@@ -140,7 +141,15 @@ bool RecoveryWriter::write(const RecoverySnapshot& snapshot)
         written = written && writeImage(image, package, &reason);
     // "info.plist" last: a copy is offered only once it has one, and then it is whole.
     written = written && snapshot.copy.writeDescription(&reason);
-    written = written && writeDurably(writeXmlPropertyList(PropertyList(snapshot.info)), package.filePath(QStringLiteral("info.plist")), &reason);
+    if (written) {
+        PropertyList::Dictionary info = snapshot.info;
+        PropertyList::Array lines;
+        lines.reserve(snapshot.lines.size());
+        for (const MorphLine::Values& line : snapshot.lines)
+            lines.push_back(line.pList());
+        info[DocumentPackage::kMorphLinesKey] = std::move(lines);
+        written = writeDurably(writeXmlPropertyList(PropertyList(std::move(info))), package.filePath(QStringLiteral("info.plist")), &reason);
+    }
     if (!written) {
         logLine(formatString("Plyra could not write the recovery copy %s: %s", localPath(snapshot.copy.folder).c_str(),
             reason.toUtf8().constData()));

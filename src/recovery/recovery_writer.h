@@ -2,6 +2,7 @@
 #pragma once
 
 #include "model/display_image.h"
+#include "model/morph_line.h"
 #include "platform/plist/property_list.h"
 #include "recovery/recovery_copy.h"
 
@@ -26,7 +27,9 @@ struct RecoverySnapshot {
         DisplayImage fallback;
     };
     RecoveryCopy copy;
+    /// "info.plist" without the lines, which the writer adds from their values.
     PropertyList::Dictionary info;
+    std::vector<MorphLine::Values> lines;
     std::vector<Image> changedImages;
     /// The image files the copy keeps; any other in it goes after the write.
     std::vector<QString> imageNames;

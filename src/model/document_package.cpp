@@ -3,6 +3,7 @@
 
 #include "model/morph_document.h"
 #include "model/package_carry_over.h"
+#include "model/movie_settings_form.h"
 #include "model/staged_directory.h"
 #include "model/tiff_io.h"
 #include "platform/log.h"
@@ -115,6 +116,8 @@ PackageContents DocumentPackage::contents(const MorphDocument& document, const Q
         if (!archive.empty())
             contents.info[kLineColorData] = PropertyList::Data(std::move(archive));
     }
+    if (const std::optional<MovieSettings>& movie = document.movieSettings())
+        contents.info[MovieSettingsForm::kKey] = MovieSettingsForm::toPropertyList(*movie);
     return contents;
 }
 
@@ -296,6 +299,8 @@ bool DocumentPackage::read(MorphDocument& document, const QString& packagePath, 
     readFrameSize(document, *info);
     readCodecSettings(document, *info);
     readLineColor(document, *info);
+    if (const PropertyList* movie = info->find(MovieSettingsForm::kKey))
+        document.setMovieSettings(MovieSettingsForm::fromPropertyList(*movie));
     readLines(document, *info);
     document.setForeignPackageInfo({});
     document.setForeignPackageInfo(keysNotTakenUp(*info->dictionary(), contents(document, packagePath).info));

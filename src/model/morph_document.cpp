@@ -340,6 +340,16 @@ void MorphDocument::noteChange()
     NotificationQueue::defaultQueue().enqueueAsSoonAsPossible({kEditedStateChangedNotification, notificationObject()});
 }
 
+void MorphDocument::setMovieSettings(const std::optional<MovieSettings>& settings)
+{
+    if (settings == m_movieSettings)
+        return;
+    const std::optional<MovieSettings> old = m_movieSettings;
+    registerUndo([this, old] { setMovieSettings(old); }, QT_TRANSLATE_NOOP("UndoAction", "Change Movie Settings"));
+    m_movieSettings = settings;
+    postObjectsUpdated();
+}
+
 // ---- package -------------------------------------------------------------------------
 
 bool MorphDocument::readFromFile(const QString& path, QString* error)

@@ -5,6 +5,7 @@
 #include "model/line_color.h"
 #include "model/morph_editor_data_source.h"
 #include "model/morph_line.h"
+#include "model/movie_settings.h"
 #include "model/track_image.h"
 #include "platform/output_path_guard.h"
 #include "platform/plist/property_list.h"
@@ -125,6 +126,13 @@ public:
     /// change without undo), so that a copy can tell whether it is current.
     std::uint64_t changeCount() const { return m_changeCount; }
 
+    /// The movie the document renders, as the movie window last set it; none while the
+    /// document has never had settings of its own (a movie then takes the defaults).
+    const std::optional<MovieSettings>& movieSettings() const { return m_movieSettings; }
+    /// Stores the settings unless they equal the stored ones; "Change Movie Settings",
+    /// posts "objectsUpdated".
+    void setMovieSettings(const std::optional<MovieSettings>& settings);
+
     // ---- package on disk ----
     /// Fills the document from a package directory. False, with a reason in error, when
     /// its "info.plist" cannot be read as a dictionary. Registers no undo steps.
@@ -176,6 +184,7 @@ private:
     bool m_forcedEdited = false;
     bool m_lastEdited = false;
     std::uint64_t m_changeCount = 0;
+    std::optional<MovieSettings> m_movieSettings;
 };
 
 } // namespace plyra

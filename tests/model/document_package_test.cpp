@@ -239,6 +239,41 @@ TEST_F(DocumentPackageTest, SizesAndQualityStoredAsStringsAreReadByTheirIntegerV
     }
 }
 
+TEST_F(DocumentPackageTest, MovieSettingsRoundTripAndDocumentsWithoutThemStayAsTheyWere)
+{
+    const QString first = writePng("first.png", 24, 16);
+    MorphDocument document;
+    document.setImageFromURL(first, 0);
+    // A document that never had movie settings writes none and reads back without them.
+    ASSERT_TRUE(document.writeToFile(package()));
+    const std::optional<PropertyList> plain = readPropertyListFile(QFile::encodeName(inPackage("info.plist")).toStdString());
+    ASSERT_TRUE(plain);
+    EXPECT_EQ(plain->find("movieSettings"), nullptr);
+    EXPECT_FALSE(reopen(package())->movieSettings());
+
+    const MovieSettings movie{48, 24.0f, false, 1, 640.0f, 360.0f, 0.25f, 0.5f, true, {Easing::EaseInOut, 1.5, 0.75, true}};
+    document.setMovieSettings(movie);
+    endPass();
+    EXPECT_EQ(document.undoManager().undoActionName(), "Change Movie Settings");
+    ASSERT_TRUE(document.writeToFile(package()));
+    auto read = reopen(package());
+    ASSERT_TRUE(read && read->movieSettings());
+    EXPECT_EQ(*read->movieSettings(), movie);
+    EXPECT_FALSE(read->undoManager().canUndo());
+
+    // Entries of the wrong type or out of range keep their defaults; a stray value is no
+    // dictionary and no settings.
+    using Dictionary = PropertyList::Dictionary;
+    const Dictionary damaged{{"frames", "many"}, {"framesPerSecond", -5.0}, {"easing", "bounce"}, {"holdStart", 2.0},
+                             {"pingPong", std::int64_t{1}}, {"frameRatio", std::int64_t{7}}};
+    auto odd = reopen(packageWithInfo(Dictionary{{"movieSettings", damaged}}, "odd.plyra"));
+    MovieSettings expected;
+    expected.timing.holdStart = 2.0;
+    ASSERT_TRUE(odd && odd->movieSettings());
+    EXPECT_EQ(*odd->movieSettings(), expected);
+    EXPECT_FALSE(reopen(packageWithInfo(Dictionary{{"movieSettings", "fast"}}, "stray.plyra"))->movieSettings());
+}
+
 TEST_F(DocumentPackageTest, AFailedSaveNamesTheStepThatFailed)
 {
     // The package cannot even be begun: its folder is missing, or is a file.

@@ -10,7 +10,7 @@ packages=(
   qt6-image-formats-plugins libqt6svg6 qt6-svg-dev qt6-qpa-plugins qt6-translations-l10n
   libgl-dev libxkbcommon-dev
   libavformat-dev libavcodec-dev libavfilter-dev libavutil-dev libswscale-dev ffmpeg
-  libtiff-dev libplist-dev libpoppler-qt6-dev
+  libtiff-dev libplist-dev libpoppler-qt6-dev libspng-dev libwebp-dev
   libhwy-dev libtbb-dev libeigen3-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   clang libclang-rt-14-dev

@@ -56,6 +56,8 @@ private:
             {"--frames", [](OptionReader& r, const std::string& v) { return r.frames(v); }},
             {"--fps", [](OptionReader& r, const std::string& v) { return r.positive(v, "--fps", r.m_o.framesPerSecond); }},
             {"--range", [](OptionReader& r, const std::string& v) { return r.range(v); }},
+            {"--ease", [](OptionReader& r, const std::string& v) { return r.ease(v); }},
+            {"--hold", [](OptionReader& r, const std::string& v) { return r.hold(v); }},
             {"--codec", [](OptionReader& r, const std::string& v) { return r.codec(v); }},
             {"--quality", [](OptionReader& r, const std::string& v) { return r.quality(v); }},
             {"--size", [](OptionReader& r, const std::string& v) { return r.size(v); }},
@@ -107,6 +109,28 @@ private:
         m_o.rangeLength = d;
         return {};
     }
+    std::string ease(const std::string& v)
+    {
+        static const std::map<std::string, Easing> names{
+            {"linear", Easing::Linear}, {"in", Easing::EaseIn}, {"out", Easing::EaseOut}, {"in-out", Easing::EaseInOut}};
+        const auto found = names.find(v);
+        if (found == names.end())
+            return "--ease needs linear, in, out or in-out, not '" + v + "'";
+        m_o.easing = found->second;
+        return {};
+    }
+    std::string hold(const std::string& v)
+    {
+        const auto comma = v.find(',');
+        float start = 0;
+        float end = 0;
+        if (comma == std::string::npos || !parseFloat(v.substr(0, comma), start) || !parseFloat(v.substr(comma + 1), end)
+            || start < 0 || end < 0 || start > 3600 || end > 3600)
+            return "--hold needs START,END in seconds (0 to 3600), not '" + v + "'";
+        m_o.holdStart = start;
+        m_o.holdEnd = end;
+        return {};
+    }
     std::string codec(const std::string& v)
     {
         if (v.size() != 4)
@@ -148,17 +172,19 @@ private:
 
 bool hasMovieOptions(const CliOptions& o)
 {
-    return o.frames || o.framesPerSecond || o.rangeLocation || o.reverse || o.codec || o.quality;
+    return o.frames || o.framesPerSecond || o.rangeLocation || o.reverse || o.codec || o.quality || o.easing
+        || o.holdStart || o.pingPong;
 }
 
 std::string checkMovie(CliOptions& o, MovieOutputKind kind)
 {
-    if (!o.frames)
-        return "a movie needs --frames N";
     if (o.time)
         return "--time is for a single frame; a movie takes --range";
-    if (kind != MovieOutputKind::QuickTime && (o.codec || o.quality))
-        return "--codec and --quality are for QuickTime movies (.mov)";
+    const bool compressed = kind == MovieOutputKind::QuickTime || kind == MovieOutputKind::Mpeg4 || kind == MovieOutputKind::WebM;
+    if (o.codec && !compressed)
+        return "--codec is for movies (.mov, .mp4, .webm)";
+    if (o.quality && !compressed && kind != MovieOutputKind::AnimatedWebP)
+        return "--quality is for movies (.mov, .mp4, .webm) and animated WebP (.webp)";
     o.mode = CliMode::Movie;
     return {};
 }
@@ -190,7 +216,8 @@ std::string checkMode(CliOptions& o)
     const bool sequence = ImageSequencePattern::looksLikePattern(path);
     if (!sequence && frameFileFormatForPath(path)) {
         if (hasMovieOptions(o))
-            return "--frames, --fps, --range, --reverse, --codec and --quality are for movies (.mov, .gif or numbered frames)";
+            return "--frames, --fps, --range, --reverse, --ease, --hold, --ping-pong, --codec and --quality are for movies "
+                   "(.mov, .mp4, .webm, .gif, .webp or numbered frames)";
         o.mode = CliMode::Frame;
         return {};
     }
@@ -199,8 +226,15 @@ std::string checkMode(CliOptions& o)
         return checkMovie(o, *kind);
     if (sequence)
         return reason.toStdString();
-    return "the output must end in .jpg, .jpeg, .png, .tif, .tiff (a frame), .mov or .gif (a movie), or name numbered "
-           "frames such as NAME_%04d.png: '" + o.outputPath + "'";
+    return "the output must end in .jpg, .jpeg, .png, .tif, .tiff (a frame), .mov, .mp4, .webm, .gif or .webp (a movie), "
+           "or name numbered frames such as NAME_%04d.png: '" + o.outputPath + "'";
+}
+
+// The options without a value.
+std::map<std::string, std::reference_wrapper<bool>> flags(CliOptions& options, bool& info)
+{
+    return {{"--reverse", options.reverse}, {"--ping-pong", options.pingPong}, {"--quiet", options.quiet}, {"--info", info},
+            {"--face-lines", options.faceLines}};
 }
 
 } // namespace
@@ -210,14 +244,15 @@ CliParseResult parseCliOptions(const std::vector<std::string>& arguments)
     CliOptions options;
     OptionReader reader(options);
     bool info = false;
+    const auto flagOptions = flags(options, info);
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string& arg = arguments[i];
         if (arg == "-h" || arg == "--help") {
             options.mode = CliMode::Help;
             return {options, {}};
         }
-        if (arg == "--reverse" || arg == "--quiet" || arg == "--info" || arg == "--face-lines") {
-            (arg == "--reverse" ? options.reverse : arg == "--quiet" ? options.quiet : arg == "--info" ? info : options.faceLines) = true;
+        if (const auto flag = flagOptions.find(arg); flag != flagOptions.end()) {
+            flag->second.get() = true;
             continue;
         }
         if (arg == "--new") {
@@ -257,17 +292,18 @@ std::string cliUsage()
 {
     return "usage:\n"
            "  plyra-render DOC.plyra [-o FRAME.jpg] [--time T]                     one frame (default time 0.5)\n"
-           "  plyra-render DOC.plyra -o MOVIE.mov --frames N [--fps F] [--range L,D] [--reverse]\n"
-           "               [--codec CODE] [--quality Q]                             a movie\n"
-           "  plyra-render DOC.plyra -o MOVIE.gif --frames N [--fps F] [--range L,D] [--reverse]\n"
-           "                                                                        an animated GIF\n"
-           "  plyra-render DOC.plyra -o DIR/NAME_%04d.png --frames N [--range L,D] [--reverse]\n"
-           "                                                                        numbered frames\n"
+           "  plyra-render DOC.plyra -o MOVIE.mov [MOVIE OPTIONS] [--codec CODE] [--quality Q]\n"
+           "                                                   a movie: .mov, .mp4 (H.264) or .webm (VP9)\n"
+           "  plyra-render DOC.plyra -o MOVIE.gif [MOVIE OPTIONS]          an animated GIF (.webp: WebP, with --quality)\n"
+           "  plyra-render DOC.plyra -o DIR/NAME_%04d.png [MOVIE OPTIONS]           numbered frames\n"
            "  plyra-render DOC.plyra --info                                         the document as JSON\n"
            "  plyra-render DOC.plyra --time T --warp-field FIELD                    one frame's warp field\n"
            "  plyra-render --new FIRST-IMAGE LAST-IMAGE -o DOC.plyra [--face-lines] a new document (with face lines)\n"
+           "movie options, each overriding the document's movie settings for this run:\n"
+           "  [--frames N] [--fps F] [--range L,D] [--reverse] [--ease linear|in|out|in-out]\n"
+           "  [--hold START,END] (seconds on the first and last image) [--ping-pong] (forth and back)\n"
            "common: [--size WxH] [--interval R] [--quiet]\n"
-           "frames: .jpg or .jpeg (quality 95), .png (8-bit RGBA with alpha), .tif or .tiff (lossless)\n"
+           "frames: .jpg or .jpeg (quality 95), .png (8-bit RGB or RGBA with alpha), .tif or .tiff (lossless)\n"
            "codecs: mp4v (default of new documents), avc1, mjpb, 'rle ' and pxlt always work; any other code\n"
            "        that FFmpeg writes into a QuickTime movie (jpeg, png ...) too; quality 0 to 1023\n";
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "model/movie_settings.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -27,6 +29,10 @@ struct CliOptions {
     std::optional<float> rangeLocation;
     std::optional<float> rangeLength;
     bool reverse = false;
+    std::optional<Easing> easing;
+    std::optional<double> holdStart;
+    std::optional<double> holdEnd;
+    bool pingPong = false;
     std::optional<std::string> codec;
     std::optional<int> quality;
     std::optional<float> width;

@@ -6,6 +6,7 @@
 #include "cli/warp_field_writer.h"
 #include "model/morph_document.h"
 #include "platform/stop_request.h"
+#include "render/document_movie_settings.h"
 #include "render/document_summary.h"
 #include "render/frame_render_controller.h"
 #include "render/movie_render_controller.h"
@@ -149,13 +150,20 @@ int renderFrame(const CliOptions& options, MorphDocument& document, std::ostream
     return kExitSuccess;
 }
 
-void applyMovieSettings(const CliOptions& options, MovieRenderController& controller)
+// The document's movie, with what the command line says instead for this run.
+void applyMovieOptions(const CliOptions& options, MovieRenderController& controller)
 {
-    RenderSettings& settings = controller.settings();
-    settings.setNumberOfFrames(options.frames.value_or(20));
-    settings.setFramesPerSecond(options.framesPerSecond.value_or(20.0f));
-    settings.setTimeRange({options.rangeLocation.value_or(0.0f), options.rangeLength.value_or(1.0f)});
-    settings.setReverse(options.reverse);
+    MovieSettings movie = documentMovieSettings(controller.document());
+    movie.numberOfFrames = options.frames.value_or(movie.numberOfFrames);
+    movie.framesPerSecond = options.framesPerSecond.value_or(movie.framesPerSecond);
+    movie.rangeLocation = options.rangeLocation.value_or(movie.rangeLocation);
+    movie.rangeLength = options.rangeLength.value_or(movie.rangeLength);
+    movie.reverse = movie.reverse || options.reverse;
+    movie.timing.easing = options.easing.value_or(movie.timing.easing);
+    movie.timing.holdStart = options.holdStart.value_or(movie.timing.holdStart);
+    movie.timing.holdEnd = options.holdEnd.value_or(movie.timing.holdEnd);
+    movie.timing.pingPong = movie.timing.pingPong || options.pingPong;
+    applyMovieSettings(movie, controller);
     controller.setCodec(options.codec);
     controller.setQuality(options.quality);
     // Nothing waits for an interface here: append as much as is finished.
@@ -169,9 +177,10 @@ int renderMovie(const CliOptions& options, MorphDocument& document, std::ostream
     if (!checkOutput(document, path, target, err))
         return kExitFailure;
     MovieRenderController controller(document);
+    applyMovieOptions(options, controller);
     applyCommonSettings(options, controller);
-    applyMovieSettings(options, controller);
-    controller.setOutputKind(movieOutputKindForPath(path).value_or(MovieOutputKind::QuickTime));
+    if (QString reason; !controller.setOutputPath(path, &reason))
+        return fail(err, reason.toStdString());
     if (!controller.frameSize().isSet())
         return fail(err, "the document has no frame size; give one with --size WxH");
     const Clock::time_point start = Clock::now();

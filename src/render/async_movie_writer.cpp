@@ -283,10 +283,10 @@ void AsyncMovieWriter::gotoPosterTime() { afterQueueWritten([](Movie& movie) { m
 void AsyncMovieWriter::stepForward() { afterQueueWritten([](Movie& movie) { movie.stepForward(); }); }
 void AsyncMovieWriter::stepBackward() { afterQueueWritten([](Movie& movie) { movie.stepBackward(); }); }
 
-MovieStatus AsyncMovieWriter::writeToFile(const std::string& path, bool flatten)
+MovieStatus AsyncMovieWriter::writeToFile(const std::string& path, bool flatten, MovieContainer container)
 {
     lock();
-    MovieStatus status = m_movie->writeToFile(path, flatten);
+    MovieStatus status = m_movie->writeToFile(path, flatten, container);
     unlock();
     return status;
 }

@@ -81,7 +81,8 @@ public:
     void stepBackward();
 
     /// Writes the movie as it is now, under the movie lock; queued images are not waited for.
-    MovieStatus writeToFile(const std::string& path, bool flatten = true);
+    MovieStatus writeToFile(const std::string& path, bool flatten = true,
+                            MovieContainer container = MovieContainer::QuickTime);
 
     /// Runs on the worker each time it has seen the stop request and is about to report
     /// its exit; tests use it to queue an image in exactly that interval. Set it before

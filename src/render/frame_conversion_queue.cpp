@@ -27,9 +27,14 @@ FrameConversionQueue::~FrameConversionQueue()
 
 void FrameConversionQueue::push(Image image)
 {
+    push([image = std::move(image)] { return render(image); });
+}
+
+void FrameConversionQueue::push(Producer producer)
+{
     {
         std::lock_guard guard(m_mutex);
-        m_images.push_back(std::move(image));
+        m_images.push_back(std::move(producer));
     }
     m_wake.notify_one();
 }
@@ -64,11 +69,11 @@ void FrameConversionQueue::run()
         m_wake.wait(lock, [this] { return m_stop || !m_images.empty(); });
         if (m_images.empty())
             return; // stopped
-        Image image = std::move(m_images.front());
+        Producer producer = std::move(m_images.front());
         m_images.pop_front();
         m_inHand = 1;
         lock.unlock();
-        m_sink(render(image));
+        m_sink(producer());
         lock.lock();
         m_inHand = 0;
         if (m_images.empty())

@@ -2,6 +2,8 @@
 #include "render/frame_output.h"
 
 #include "platform/atomic_file_writer.h"
+#include "platform/stills/png_encoder.h"
+#include "platform/stills/tiff_encoder.h"
 
 #include <QCoreApplication>
 #include <QBuffer>
@@ -15,6 +17,7 @@ namespace plyra {
 namespace {
 
 constexpr int kFrameDotsPerMeter = 2835; // 72 dpi
+constexpr double kFrameDotsPerInch = 72.0;
 
 bool fail(QString* error, const QString& reason)
 {
@@ -23,21 +26,34 @@ bool fail(QString* error, const QString& reason)
     return false;
 }
 
-// What each format stores: JPEG has no alpha, so frames are flattened onto black, which
-// is what transparent pixels of premultiplied RGBA already are; PNG keeps straight alpha;
-// TIFF keeps the premultiplied bytes as they are. Every file says 72 dpi, whatever the
-// frame came from.
-QImage storedImage(const QImage& frame, FrameFileFormat format)
+// JPEG has no alpha, so frames are flattened onto black, which is what transparent
+// pixels of premultiplied RGBA already are.
+QByteArray encodeJpeg(const PixelRows& frame, QString* error)
 {
-    QImage::Format stored = QImage::Format_RGBA8888_Premultiplied;
-    if (format == FrameFileFormat::Jpeg)
-        stored = QImage::Format_RGB888;
-    if (format == FrameFileFormat::Png)
-        stored = QImage::Format_RGBA8888;
-    QImage image = frame.convertToFormat(stored);
+    QImage image(frame.width, frame.height, QImage::Format_RGB888);
     image.setDotsPerMeterX(kFrameDotsPerMeter);
     image.setDotsPerMeterY(kFrameDotsPerMeter);
-    return image;
+    for (int y = 0; y < frame.height; ++y)
+        storeRow(frame, y, StoredPixels::Rgb, image.scanLine(y));
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    QImageWriter writer(&buffer, "jpeg");
+    writer.setQuality(kFrameJpegQuality);
+    if (!writer.write(image)) {
+        fail(error, writer.errorString());
+        return {};
+    }
+    return bytes;
+}
+
+QByteArray fromEncoded(const std::optional<std::vector<std::uint8_t>>& encoded, const std::string& reason, QString* error)
+{
+    if (!encoded) {
+        fail(error, QString::fromStdString(reason));
+        return {};
+    }
+    return QByteArray(reinterpret_cast<const char*>(encoded->data()), static_cast<qsizetype>(encoded->size()));
 }
 
 } // namespace
@@ -69,23 +85,31 @@ std::optional<FrameFileFormat> frameFileFormatForPath(const QString& path)
     return std::nullopt;
 }
 
-QByteArray encodeFrame(const QImage& frame, FrameFileFormat format, QString* error)
+PixelRows pixelRowsOfBitmap(const Bitmap& bitmap)
 {
-    static const char* const names[] = {"jpeg", "png", "tiff"};
+    if (bitmap.isEmpty())
+        return {};
+    return {bitmap.row(bitmap.height() - 1), -static_cast<std::ptrdiff_t>(bitmap.bytesPerRow()), bitmap.width(),
+            bitmap.height()};
+}
+
+QByteArray encodeFrame(const PixelRows& frame, FrameFileFormat format, QString* error)
+{
     // Encoded in memory first, so that a failed write reports the system's own reason.
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    QImageWriter writer(&buffer, names[static_cast<int>(format)]);
-    if (format == FrameFileFormat::Jpeg)
-        writer.setQuality(kFrameJpegQuality);
-    if (format == FrameFileFormat::Tiff)
-        writer.setCompression(1); // LZW
-    if (frame.isNull() || !writer.write(storedImage(frame, format))) {
-        fail(error, frame.isNull() ? QCoreApplication::translate("FrameOutput", "there is no frame to write") : writer.errorString());
+    if (frame.isEmpty()) {
+        fail(error, QCoreApplication::translate("FrameOutput", "there is no frame to write"));
         return {};
     }
-    return bytes;
+    std::string reason;
+    switch (format) {
+    case FrameFileFormat::Jpeg:
+        return encodeJpeg(frame, error);
+    case FrameFileFormat::Png:
+        return fromEncoded(PngEncoder::encode(frame, kFrameDotsPerMeter, &reason), reason, error);
+    case FrameFileFormat::Tiff:
+        return fromEncoded(TiffEncoder::encode(frame, kFrameDotsPerInch, &reason), reason, error);
+    }
+    return {};
 }
 
 bool saveFrame(const Bitmap& bitmap, const QString& path, QString* error)
@@ -95,7 +119,7 @@ bool saveFrame(const Bitmap& bitmap, const QString& path, QString* error)
     const std::optional<FrameFileFormat> format = frameFileFormatForPath(path);
     if (!format)
         return fail(error, QCoreApplication::translate("FrameOutput", "a frame is saved as .jpg, .jpeg, .png, .tif or .tiff"));
-    const QByteArray bytes = encodeFrame(imageFromBitmap(bitmap), *format, error);
+    const QByteArray bytes = encodeFrame(pixelRowsOfBitmap(bitmap), *format, error);
     return !bytes.isEmpty() && writeOutputFile(path, bytes, error);
 }
 

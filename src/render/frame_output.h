@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/image/bitmap.h"
+#include "platform/stills/pixel_rows.h"
 
 #include <QByteArray>
 #include <QImage>
@@ -25,10 +26,14 @@ std::optional<FrameFileFormat> frameFileFormatForPath(const QString& path);
 /// saving.
 QImage imageFromBitmap(const Bitmap& bitmap);
 
+/// The rows of a rendered frame, top row first.
+PixelRows pixelRowsOfBitmap(const Bitmap& bitmap);
+
 /// The frame encoded as a file of that format: JPEG at quality 95, flattened onto black;
-/// PNG, lossless 8-bit RGBA with its alpha; TIFF, lossless (LZW) RGBA with premultiplied
-/// alpha, byte for byte the frame. Empty, with the reason, when it cannot be encoded.
-QByteArray encodeFrame(const QImage& frame, FrameFileFormat format, QString* error = nullptr);
+/// PNG (PngEncoder), lossless 8-bit RGB or RGBA with its alpha; TIFF (TiffEncoder),
+/// lossless (LZW) RGB or RGBA with premultiplied alpha, byte for byte the frame. Every
+/// file says 72 dpi. Empty, with the reason, when it cannot be encoded.
+QByteArray encodeFrame(const PixelRows& frame, FrameFileFormat format, QString* error = nullptr);
 
 /// Writes the frame in the format the path's extension asks for. The file appears only
 /// once it is complete; false, with the reason, when there is no frame, the extension is

@@ -1,20 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "render/movie_frame_export.h"
 
-#include "platform/atomic_file_writer.h"
 #include "platform/movie/animated_gif_writer.h"
+#include "platform/movie/animated_webp_writer.h"
 #include "platform/movie/movie.h"
 #include "platform/movie/movie_frame_decoder.h"
-#include "platform/side_file.h"
-#include "render/output_path_check.h"
 
 #include <QCoreApplication>
 #include <QFile>
-
-#include <cerrno>
-#include <cstring>
-#include <memory>
-#include <vector>
 
 namespace plyra {
 namespace {
@@ -32,35 +25,23 @@ const MovieMedia* videoMedia(const Movie& movie)
     return track ? track->media() : nullptr;
 }
 
-/// A decoded frame (premultiplied, bottom row first) as an image, top row first.
-QImage imageFromFrame(const RgbaImage& frame)
+/// When each sample of the medium starts and when the last ends, in 600ths of a second.
+AnimationTiming timingOf(const MovieMedia& media)
 {
-    QImage image(frame.width(), frame.height(), QImage::Format_RGBA8888_Premultiplied);
-    for (int y = 0; y < frame.height(); ++y)
-        std::memcpy(image.scanLine(frame.height() - 1 - y), frame.row(y), frame.bytesPerRow());
-    return image;
+    AnimationTiming timing;
+    const auto in600ths = [&media](std::int64_t time) {
+        return media.timeScale() == kMovieTimeScale ? time : time * kMovieTimeScale / media.timeScale();
+    };
+    for (std::size_t index = 0; index < media.sampleCount(); ++index)
+        timing.startTimes.push_back(in600ths(media.sample(index).time));
+    const MovieSample& last = media.sample(media.sampleCount() - 1);
+    timing.endTime = in600ths(last.time + last.duration);
+    return timing;
 }
 
-/// Writes bytes into a side file beside target; the side file, or none with the reason.
-std::unique_ptr<SideFile> writeBeside(const QString& target, const QByteArray& bytes, QString* error)
-{
-    std::string reason;
-    std::unique_ptr<SideFile> side = AtomicFileWriter::stage(QFile::encodeName(target).toStdString(), bytes.constData(),
-                                                             static_cast<std::size_t>(bytes.size()), &reason);
-    if (!side)
-        fail(error, QCoreApplication::translate("MovieFrameExport", "cannot write '%1': %2").arg(target, QString::fromStdString(reason)));
-    return side;
-}
-
-/// One finished frame file waiting beside its name.
-struct StagedFrame {
-    std::unique_ptr<SideFile> side;
-    std::string target;
-};
-
-} // namespace
-
-bool MovieFrameExport::writeAnimatedGif(const Movie& movie, const QString& path, float framesPerSecond, QString* error)
+/// Decodes the medium's frames in order and writes them with `write`.
+template<typename Write>
+bool writeAnimation(const Movie& movie, QString* error, Write write)
 {
     const MovieMedia* media = videoMedia(movie);
     if (!media || media->sampleCount() == 0)
@@ -71,41 +52,24 @@ bool MovieFrameExport::writeAnimatedGif(const Movie& movie, const QString& path,
     if (!first)
         return fail(error, QString::fromStdString(status.message));
     const auto frames = [&decoder](std::size_t index, MovieStatus* frameStatus) { return decoder.decode(index, frameStatus); };
-    status = AnimatedGifWriter::write(QFile::encodeName(path).toStdString(), first->width(), first->height(),
-                                      media->sampleCount(), framesPerSecond, frames);
+    status = write(first->width(), first->height(), timingOf(*media), frames);
     return status.ok() || fail(error, QString::fromStdString(status.message));
 }
 
-bool MovieFrameExport::writeImageSequence(const Movie& movie, const ImageSequencePattern& pattern,
-                                          const MorphDocument& document, QString* error)
+} // namespace
+
+bool MovieFrameExport::writeAnimatedGif(const Movie& movie, const QString& path, QString* error)
 {
-    const MovieMedia* media = videoMedia(movie);
-    if (!media || media->sampleCount() == 0)
-        return fail(error, QCoreApplication::translate("MovieFrameExport", "the movie has no frames"));
-    MovieFrameDecoder decoder(*media);
-    std::vector<StagedFrame> staged;
-    for (std::size_t index = 0; index < media->sampleCount(); ++index) {
-        const QString name = pattern.fileName(index + 1);
-        QString target;
-        QString refusal;
-        if (!checkOutputPath(document, name, &target, &refusal))
-            return fail(error, QCoreApplication::translate("MovieFrameExport", "cannot write '%1': %2").arg(name, refusal));
-        MovieStatus status;
-        const std::optional<RgbaImage> frame = decoder.decode(index, &status);
-        if (!frame)
-            return fail(error, QString::fromStdString(status.message));
-        const QByteArray bytes = encodeFrame(imageFromFrame(*frame), pattern.format(), error);
-        std::unique_ptr<SideFile> side = bytes.isEmpty() ? nullptr : writeBeside(target, bytes, error);
-        if (!side)
-            return false;
-        staged.push_back({std::move(side), QFile::encodeName(target).toStdString()});
-    }
-    // Every frame is complete: only now does any of them take its name.
-    for (StagedFrame& frame : staged)
-        if (!frame.side->commit(frame.target))
-            return fail(error, QCoreApplication::translate("MovieFrameExport", "cannot move the frame into place at '%1': %2")
-                                   .arg(QFile::decodeName(frame.target.c_str()), QString::fromLocal8Bit(std::strerror(errno))));
-    return true;
+    return writeAnimation(movie, error, [&path](int width, int height, const AnimationTiming& timing, const auto& frames) {
+        return AnimatedGifWriter::write(QFile::encodeName(path).toStdString(), width, height, timing, frames);
+    });
+}
+
+bool MovieFrameExport::writeAnimatedWebp(const Movie& movie, const QString& path, int quality, QString* error)
+{
+    return writeAnimation(movie, error, [&path, quality](int width, int height, const AnimationTiming& timing, const auto& frames) {
+        return AnimatedWebpWriter::write(QFile::encodeName(path).toStdString(), width, height, timing, quality, frames);
+    });
 }
 
 } // namespace plyra

@@ -1,8 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "render/movie_output.h"
 
+#include "platform/log.h"
+
 #include <QCoreApplication>
 #include <QFileInfo>
+
+#include <array>
+#include <mutex>
+#include <set>
 
 namespace plyra {
 namespace {
@@ -30,6 +36,23 @@ std::optional<std::pair<int, qsizetype>> placeholderAt(const QString& path, qsiz
         && path[at + 2] <= QLatin1Char('9') && path[at + 3] == QLatin1Char('d'))
         return std::pair{path[at + 2].digitValue(), qsizetype(4)};
     return std::nullopt;
+}
+
+// The kinds a file name's extension chooses.
+constexpr std::array kFileKinds{MovieOutputKind::QuickTime, MovieOutputKind::Mpeg4, MovieOutputKind::WebM,
+                                MovieOutputKind::AnimatedGif, MovieOutputKind::AnimatedWebP};
+
+// The frames of a GIF or WebP wait in the temporary movie without loss, alpha included.
+constexpr const char* kLosslessCodec = "rle ";
+
+// Each message once per run, however many movies are rendered.
+void logOnce(const std::string& message)
+{
+    static std::mutex mutex;
+    static std::set<std::string> said;
+    const std::lock_guard lock(mutex);
+    if (said.insert(message).second)
+        logLine(message);
 }
 
 QString unescaped(QString text)
@@ -93,15 +116,74 @@ std::optional<MovieOutputKind> movieOutputKindForPath(const QString& path, QStri
         return MovieOutputKind::ImageSequence;
     }
     const QString suffix = QFileInfo(path).suffix().toLower();
-    if (suffix == QLatin1String("mov"))
-        return MovieOutputKind::QuickTime;
-    if (suffix == QLatin1String("gif"))
-        return MovieOutputKind::AnimatedGif;
+    for (const MovieOutputKind kind : kFileKinds)
+        if (suffix == movieOutputExtension(kind))
+            return kind;
     //: %1 is an example file name, NAME_%04d.png, %2 the file name given.
-    fail(error, QCoreApplication::translate("MovieOutput", "a movie is saved as .mov, .gif or a numbered image sequence such as "
-                                                           "%1: '%2'")
+    fail(error, QCoreApplication::translate("MovieOutput", "a movie is saved as .mov, .mp4, .webm, .gif, .webp or a numbered "
+                                                           "image sequence such as %1: '%2'")
                     .arg(QStringLiteral("NAME_%04d.png"), path));
     return std::nullopt;
+}
+
+QString movieOutputExtension(MovieOutputKind kind)
+{
+    switch (kind) {
+    case MovieOutputKind::QuickTime:
+        return QStringLiteral("mov");
+    case MovieOutputKind::Mpeg4:
+        return QStringLiteral("mp4");
+    case MovieOutputKind::WebM:
+        return QStringLiteral("webm");
+    case MovieOutputKind::AnimatedGif:
+        return QStringLiteral("gif");
+    case MovieOutputKind::AnimatedWebP:
+        return QStringLiteral("webp");
+    case MovieOutputKind::ImageSequence:
+        break;
+    }
+    return {};
+}
+
+std::string movieCodecForOutput(MovieOutputKind kind, const std::string& asked)
+{
+    switch (kind) {
+    case MovieOutputKind::QuickTime:
+    case MovieOutputKind::ImageSequence:
+        break;
+    case MovieOutputKind::AnimatedGif:
+    case MovieOutputKind::AnimatedWebP:
+        return kLosslessCodec;
+    case MovieOutputKind::Mpeg4:
+        return "avc1";
+    case MovieOutputKind::WebM:
+        return "vp09";
+    }
+    return asked;
+}
+
+void noteCodecForOutput(MovieOutputKind kind, const std::string& asked)
+{
+    const std::string codec = movieCodecForOutput(kind, asked);
+    if (codec == asked || (kind != MovieOutputKind::Mpeg4 && kind != MovieOutputKind::WebM))
+        return;
+    const char* container = kind == MovieOutputKind::Mpeg4 ? "an MPEG-4 movie (.mp4) is H.264" : "a WebM movie (.webm) is VP9";
+    logOnce(formatString("%s here, the closest codec that browsers and phones play: writing it instead of the codec '%s'",
+                         container, asked.c_str()));
+}
+
+std::optional<MovieContainer> movieContainerForOutput(MovieOutputKind kind)
+{
+    switch (kind) {
+    case MovieOutputKind::QuickTime:
+        return MovieContainer::QuickTime;
+    case MovieOutputKind::Mpeg4:
+        return MovieContainer::Mpeg4;
+    case MovieOutputKind::WebM:
+        return MovieContainer::WebM;
+    default:
+        return std::nullopt;
+    }
 }
 
 } // namespace plyra

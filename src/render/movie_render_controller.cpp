@@ -31,10 +31,6 @@ constexpr std::size_t kJobsAheadBytes = std::size_t{256} << 20;
 // memory would creep up with its length unless they are handed back now and then.
 constexpr int kFramesBetweenTrims = 64;
 
-// A GIF or an image sequence is made from the frames after the render: they wait in the
-// temporary movie without loss, alpha included.
-constexpr const char* kLosslessCodec = "rle ";
-
 // A code that nothing here can compress: say which code, and which five always work.
 QString unavailableCodecMessage(const std::string& code)
 {
@@ -61,26 +57,57 @@ MovieRenderController::~MovieRenderController()
     closeMovie();
 }
 
+std::string MovieRenderController::askedCodec() const
+{
+    return m_codec ? *m_codec : document().codecFormat().toStdString();
+}
+
+int MovieRenderController::askedQuality() const
+{
+    return m_quality ? *m_quality : document().codecQuality();
+}
+
 std::string MovieRenderController::codec() const
 {
-    if (m_outputKind != MovieOutputKind::QuickTime)
-        return kLosslessCodec;
-    return m_codec ? *m_codec : document().codecFormat().toStdString();
+    return movieCodecForOutput(m_outputKind, askedCodec());
 }
 
 int MovieRenderController::quality() const
 {
-    if (m_outputKind != MovieOutputKind::QuickTime)
-        return kCodecMaxQuality;
-    return m_quality ? *m_quality : document().codecQuality();
+    const bool lossless = m_outputKind == MovieOutputKind::AnimatedGif || m_outputKind == MovieOutputKind::AnimatedWebP;
+    return lossless ? kCodecMaxQuality : askedQuality();
+}
+
+bool MovieRenderController::setOutputPath(const QString& path, QString* error)
+{
+    const std::optional<MovieOutputKind> kind = movieOutputKindForPath(path, error);
+    if (!kind)
+        return false;
+    m_outputKind = *kind;
+    m_pattern = *kind == MovieOutputKind::ImageSequence ? ImageSequencePattern::parse(path) : std::nullopt;
+    m_sequencePath = m_pattern ? path : QString();
+    return true;
+}
+
+bool MovieRenderController::canSaveAs(MovieOutputKind kind) const
+{
+    if (kind == MovieOutputKind::ImageSequence || m_outputKind == MovieOutputKind::ImageSequence)
+        return false;
+    return codec() == movieCodecForOutput(kind, askedCodec()) && quality() == (kind == MovieOutputKind::AnimatedGif
+        || kind == MovieOutputKind::AnimatedWebP ? kCodecMaxQuality : askedQuality());
 }
 
 bool MovieRenderController::recalc()
 {
-    if (m_writer)
+    if (m_writer || m_sequence)
         closeMovie();
     m_error.clear();
-    if (!checkCompression() || !makeTemporaryMovie())
+    m_schedule = MovieSchedule(settings().numberOfFrames(), settings().framesPerSecond(), timing());
+    m_framesShownAgain = 0;
+    m_framesAppended = 0;
+    m_appendFailed = false;
+    const bool sequence = m_outputKind == MovieOutputKind::ImageSequence;
+    if (sequence ? !makeSequenceWriter() : !checkCompression() || !makeTemporaryMovie())
         return false;
     if (RenderController::recalc())
         return true;
@@ -88,11 +115,23 @@ bool MovieRenderController::recalc()
     return false;
 }
 
+bool MovieRenderController::makeSequenceWriter()
+{
+    if (!m_pattern) {
+        m_error = QCoreApplication::translate("MovieRenderController", "the file names of the image sequence are not known");
+        return false;
+    }
+    const unsigned threads = std::max(std::thread::hardware_concurrency(), 2u);
+    m_sequence = std::make_unique<ImageSequenceWriter>(m_pattern->format(), threads);
+    return true;
+}
+
 bool MovieRenderController::checkCompression()
 {
     const FrameSize size = frameSize();
     if (!size.isSet())
         return true;
+    noteCodecForOutput(m_outputKind, askedCodec());
     const AddImageAttributes attributes{fourCharCode(codec()), quality()};
     const auto width = static_cast<int>(size.width);
     const auto height = static_cast<int>(size.height);
@@ -133,24 +172,30 @@ bool MovieRenderController::makeTemporaryMovie()
         cleanUpTempPaths();
         return false;
     }
-    const float fps = settings().framesPerSecond();
+    if (m_schedule.movieFrameCount() > m_schedule.computedFrames()) {
+        m_spool = std::make_unique<FrameSpool>();
+        if (!m_spool->error().empty()) {
+            m_error = QString::fromStdString(m_spool->error());
+            cleanUpTempPaths();
+            return false;
+        }
+    }
     movie->setEditable(true);
     movie->setHasAudio(false);
     movie->setHasVideo(true);
     movie->setLinear(true);
-    movie->setDuration({movieDurationValue(settings().numberOfFrames(), fps), kMovieTimeScale, 0});
+    movie->setDuration({m_schedule.movieDuration(), kMovieTimeScale, 0});
     movie->setHasDuration(true);
     const FrameSize size = frameSize();
     movie->setNaturalSize({size.width, size.height});
     m_writer = std::make_unique<AsyncMovieWriter>(std::move(movie));
-    m_framesAppended = 0;
-    m_appendFailed = false;
+    m_conversionFailure.clear();
+    m_framesConverted = 0;
     // Read here, on the owner's thread: the document is not for the conversion thread.
     // A change of codec, quality or rate starts a new render and with it a new movie.
-    const MovieTime duration{frameDurationValue(fps), kMovieTimeScale, 0};
     const AddImageAttributes attributes{fourCharCode(codec()), quality()};
     m_conversions = std::make_unique<FrameConversionQueue>(
-        [this, duration, attributes](std::optional<Bitmap> bitmap) { appendFrame(std::move(bitmap), duration, attributes); });
+        [this, attributes](std::optional<Bitmap> bitmap) { appendFrame(std::move(bitmap), attributes); });
     return true;
 }
 
@@ -163,48 +208,121 @@ void MovieRenderController::consumeFinishedJobs()
     // Strictly in frame order: a later frame that finished first waits for the earlier.
     // Frames waiting to be rendered or compressed hold memory, so only a few may wait.
     while (!jobs().empty() && jobs().front()->isDone() && Clock::now() - start < m_appendBudget
-        && m_conversions && framesWaiting() < kMaxFramesWaiting) {
-        m_conversions->push(jobs().front()->outputImage());
-        ++m_framesAppended;
-        if (m_framesAppended % kFramesBetweenTrims == 0)
+        && framesWaiting() < kMaxFramesWaiting) {
+        handOver(jobs().front());
+        if (!isRendering())
+            return;
+        if (++m_framesAppended % kFramesBetweenTrims == 0)
             ::malloc_trim(0);
         jobs().pop_front();
         if (stopOnWriterFailure())
             return;
     }
+    if (jobs().empty() && framesNotQueued() == 0)
+        handOverFramesShownAgain();
+}
+
+void MovieRenderController::handOver(const MorphCalculationJob::Ptr& job)
+{
+    if (!m_sequence) {
+        m_conversions->push(job->outputImage());
+        return;
+    }
+    // Each frame goes beside the name it first appears under; the document says where
+    // output may go, so the name is checked here, on the document's thread.
+    const auto frame = static_cast<std::uint32_t>(m_framesAppended);
+    const QString name = m_pattern->fileName(m_schedule.firstSequenceFile(frame) + 1);
+    QString target;
+    QString refusal;
+    if (!checkOutputPath(document(), name, &target, &refusal)) {
+        m_error = QCoreApplication::translate("MovieRenderController", "cannot write '%1': %2").arg(name, refusal);
+        m_appendFailed = true;
+        stop();
+        return;
+    }
+    m_sequence->push(frame, job->outputImage(), QFile::encodeName(target).toStdString());
+}
+
+// The way back of a ping-pong movie: the frames kept aside, last but one first.
+void MovieRenderController::handOverFramesShownAgain()
+{
+    while (repeatedFramesLeft() > 0 && framesWaiting() < kMaxFramesWaiting) {
+        const std::uint32_t frame = m_schedule.movieFrame(m_schedule.computedFrames() + m_framesShownAgain).source;
+        m_conversions->push([this, frame]() -> std::optional<Bitmap> {
+            std::optional<Bitmap> bitmap = m_spool->get(frame);
+            if (!bitmap)
+                failOnConversionThread(m_spool->error());
+            return bitmap;
+        });
+        ++m_framesShownAgain;
+        ++m_framesAppended;
+    }
+}
+
+std::uint32_t MovieRenderController::repeatedFrames() const
+{
+    return m_sequence ? 0 : static_cast<std::uint32_t>(m_schedule.movieFrameCount() - m_schedule.computedFrames());
+}
+
+std::uint32_t MovieRenderController::repeatedFramesLeft() const
+{
+    return repeatedFrames() - m_framesShownAgain;
 }
 
 unsigned MovieRenderController::framesWaiting() const
 {
-    return m_conversions->pending() + m_writer->numberOfImagesInQueue();
+    if (m_sequence)
+        return m_sequence->pending();
+    return m_conversions ? m_conversions->pending() + m_writer->numberOfImagesInQueue() : kMaxFramesWaiting;
 }
 
 bool MovieRenderController::stopOnWriterFailure()
 {
-    const std::optional<MovieStatus> failure = m_writer ? m_writer->failure() : std::nullopt;
+    std::optional<QString> failure;
+    if (m_sequence)
+        failure = m_sequence->failure();
+    if (const std::optional<MovieStatus> status = m_writer ? m_writer->failure() : std::nullopt)
+        failure = QString::fromStdString(status->message);
+    if (const std::lock_guard guard(m_conversionFailureMutex); !m_conversionFailure.empty())
+        failure = QString::fromStdString(m_conversionFailure);
     if (!failure)
         return false;
     // The movie cannot be completed: computing the remaining frames would only waste time.
     m_appendFailed = true;
-    m_error = QString::fromStdString(failure->message);
+    m_error = *failure;
     stop();
     return true;
 }
 
-void MovieRenderController::appendFrame(std::optional<Bitmap> bitmap, const MovieTime& duration,
-    const AddImageAttributes& attributes)
+void MovieRenderController::failOnConversionThread(const std::string& reason)
+{
+    const std::lock_guard guard(m_conversionFailureMutex);
+    if (m_conversionFailure.empty())
+        m_conversionFailure = reason;
+}
+
+void MovieRenderController::appendFrame(std::optional<Bitmap> bitmap, const AddImageAttributes& attributes)
 {
     if (!bitmap) {
         m_appendFailed = true;
         return;
     }
+    const std::size_t index = m_framesConverted++;
+    // Frames beyond the schedule (a test's own jobs) last one frame's time.
+    const ScheduledFrame scheduled = index < m_schedule.movieFrameCount()
+        ? m_schedule.movieFrame(index) : ScheduledFrame{static_cast<std::uint32_t>(index), m_schedule.frameDuration()};
+    // The frames a ping-pong movie shows again on its way back are kept aside.
+    const bool shownAgain = index < m_schedule.computedFrames() && m_schedule.movieFrameCount() > m_schedule.computedFrames()
+        && index + 1 < m_schedule.computedFrames();
+    if (shownAgain && !m_spool->put(scheduled.source, *bitmap))
+        failOnConversionThread(m_spool->error());
     const int width = bitmap->width();
     const int height = bitmap->height();
     // Rows of whole pixels are what the movie takes: hand the buffer over uncopied.
     RgbaImage frame = bitmap->bytesPerRow() == static_cast<std::size_t>(width) * 4
         ? RgbaImage::adoptPixels(bitmap->releasePixels(), width, height)
         : RgbaImage::fromPixels(bitmap->data(), width, height, bitmap->bytesPerRow());
-    m_writer->asyncAddImage(std::move(frame), duration, attributes);
+    m_writer->asyncAddImage(std::move(frame), {scheduled.duration, kMovieTimeScale, 0}, attributes);
 }
 
 bool MovieRenderController::saveRenderedMovie(const QString& path, QString* error)
@@ -217,8 +335,15 @@ bool MovieRenderController::saveRenderedMovie(const QString& path, QString* erro
     QString target;
     if (!checkOutputPath(document(), path, &target, error))
         return false;
+    const std::optional<MovieOutputKind> kind = movieOutputKindForPath(path, error);
+    if (!kind)
+        return false;
+    if (m_sequence)
+        return commitSequence(path, error);
     if (!m_writer)
         return fail(QCoreApplication::translate("MovieRenderController", "no movie has been rendered"));
+    if (*kind == MovieOutputKind::ImageSequence)
+        return fail(QCoreApplication::translate("MovieRenderController", "the frames were rendered as a movie, not as an image sequence"));
     const Movie* complete = movie();
     stopOnWriterFailure();
     if (isRendering() || m_appendFailed)
@@ -232,28 +357,56 @@ bool MovieRenderController::saveRenderedMovie(const QString& path, QString* erro
     m_writer->unlock();
     if (frames != static_cast<std::size_t>(m_framesAppended))
         return fail(QCoreApplication::translate("MovieRenderController", "only %1 of %2 frames could be compressed").arg(frames).arg(m_framesAppended));
-    const std::optional<MovieOutputKind> kind = movieOutputKindForPath(path, error);
-    return kind && writeMovieAs(*kind, path, target, error);
+    return writeMovieAs(*kind, target, error);
 }
 
-bool MovieRenderController::writeMovieAs(MovieOutputKind kind, const QString& path, const QString& target,
-                                         QString* error)
+bool MovieRenderController::commitSequence(const QString& path, QString* error)
 {
-    if (kind == MovieOutputKind::QuickTime) {
+    auto fail = [error](const QString& reason) {
+        if (error)
+            *error = reason;
+        return false;
+    };
+    if (path != m_sequencePath)
+        return fail(QCoreApplication::translate("MovieRenderController", "the frames were rendered for the names '%1'").arg(m_sequencePath));
+    stopOnWriterFailure();
+    if (isRendering() || m_appendFailed)
+        return fail(m_error.isEmpty() ? QCoreApplication::translate("MovieRenderController", "the image sequence is not complete") : m_error);
+    // Every name is checked again now: the files take them only once all are made.
+    const auto target = [this](std::size_t file, std::uint32_t* frame, QString* reason) -> std::optional<std::string> {
+        *frame = m_schedule.sequenceSource(file);
+        const QString name = m_pattern->fileName(file + 1);
+        QString checked;
+        QString refusal;
+        if (checkOutputPath(document(), name, &checked, &refusal))
+            return QFile::encodeName(checked).toStdString();
+        *reason = QCoreApplication::translate("MovieRenderController", "cannot write '%1': %2").arg(name, refusal);
+        return std::nullopt;
+    };
+    return m_sequence->commit(m_schedule.sequenceFileCount(), target, error);
+}
+
+bool MovieRenderController::writeMovieAs(MovieOutputKind kind, const QString& target, QString* error)
+{
+    if (const std::optional<MovieContainer> container = movieContainerForOutput(kind)) {
+        if (kind != MovieOutputKind::QuickTime && codec() != movieCodecForOutput(kind, codec())) {
+            if (error)
+                *error = QCoreApplication::translate("MovieRenderController", "the movie was compressed with '%1', which a .%2 file does not hold")
+                             .arg(QString::fromStdString(codec()), movieOutputExtension(kind));
+            return false;
+        }
         // The file's index takes memory in proportion to the frames; hand back first what
         // the render no longer holds, so that saving a long movie does not raise its peak.
         ::malloc_trim(0);
-        const MovieStatus status = m_writer->writeToFile(QFile::encodeName(target).toStdString(), true);
+        const MovieStatus status = m_writer->writeToFile(QFile::encodeName(target).toStdString(), true, *container);
         if (!status.ok() && error)
             *error = QString::fromStdString(status.message);
         return status.ok();
     }
     m_writer->lock();
-    bool written = false;
-    if (kind == MovieOutputKind::AnimatedGif)
-        written = MovieFrameExport::writeAnimatedGif(m_writer->movie(), target, settings().framesPerSecond(), error);
-    else if (const std::optional<ImageSequencePattern> pattern = ImageSequencePattern::parse(path, error))
-        written = MovieFrameExport::writeImageSequence(m_writer->movie(), *pattern, document(), error);
+    const bool written = kind == MovieOutputKind::AnimatedGif
+        ? MovieFrameExport::writeAnimatedGif(m_writer->movie(), target, error)
+        : MovieFrameExport::writeAnimatedWebp(m_writer->movie(), target, askedQuality(), error);
     m_writer->unlock();
     return written;
 }
@@ -272,6 +425,8 @@ void MovieRenderController::closeMovie()
     stop();
     m_conversions.reset();
     m_writer.reset();
+    m_spool.reset();
+    m_sequence.reset();
     cleanUpTempPaths();
 }
 

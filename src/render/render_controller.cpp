@@ -26,6 +26,14 @@ FrameSize RenderController::frameSize()
     return m_settings.storedFrameSize();
 }
 
+bool RenderController::setTiming(const MovieTiming& timing)
+{
+    if (timing == m_timing)
+        return false;
+    m_timing = timing;
+    return true;
+}
+
 float RenderController::interpolationFactor() const
 {
     return m_interpolationFactor ? *m_interpolationFactor : interpolationFactorFromDefaults();
@@ -51,7 +59,7 @@ bool RenderController::recalc()
 MorphCalculationJob::Ptr RenderController::newMorphJob(std::uint32_t frame)
 {
     const FrameSize size = frameSize();
-    const float t = frameTime(frame, m_frameCount, m_settings.timeRange(), m_settings.reverse());
+    const float t = frameTime(frame, m_frameCount, m_settings.timeRange(), m_settings.reverse(), m_timing.easing);
     return MorphCalculationJob::create(t, Size{size.width, size.height}, interpolationFactor());
 }
 
@@ -74,7 +82,7 @@ bool RenderController::tick()
     consumeFinishedJobs();
     if (m_rendering)
         queueMoreJobs();
-    if (!m_morphJobs.empty() || m_nextFrame < m_frameCount)
+    if (!m_morphJobs.empty() || m_nextFrame < m_frameCount || (m_rendering && repeatedFramesLeft() > 0))
         return false;
     // Every job consumed: the render is over.
     stop();
@@ -96,7 +104,9 @@ float RenderController::progress() const
     // until then the render is not complete (and Save would save the frame before).
     constexpr float kFinishedNotTaken = 0.999f;
     const float lastJobProgress = m_morphJobs.empty() ? 1.0f : std::min(m_morphJobs.back()->progress(), kFinishedNotTaken);
-    return renderProgress(m_settings.numberOfFrames(), m_morphJobs.size() + framesNotQueued(), lastJobProgress);
+    const std::uint32_t repeated = m_rendering ? repeatedFramesLeft() : 0;
+    return renderProgress(m_settings.numberOfFrames() + repeatedFrames(),
+                          m_morphJobs.size() + framesNotQueued() + repeated, lastJobProgress);
 }
 
 } // namespace plyra

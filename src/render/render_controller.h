@@ -3,6 +3,7 @@
 
 #include "engine/morph_calculation_job.h"
 #include "engine/morpher.h"
+#include "model/movie_settings.h"
 #include "render/render_settings.h"
 
 #include <deque>
@@ -32,6 +33,10 @@ public:
     MorphDocument& document() const { return m_document; }
     RenderSettings& settings() { return m_settings; }
     const RenderSettings& settings() const { return m_settings; }
+    /// The easing of the frame times, and for movies the holds and ping-pong.
+    const MovieTiming& timing() const { return m_timing; }
+    /// Answers whether the timing changed.
+    bool setTiming(const MovieTiming& timing);
 
     /// The frame size; an unset size is first taken from the document's frame size.
     FrameSize frameSize();
@@ -65,6 +70,11 @@ protected:
     virtual std::size_t maxJobsAhead() { return 0; }
     /// Takes finished jobs off the front of morphJobs(); the base takes none.
     virtual void consumeFinishedJobs() { }
+    /// Frames the render puts out beyond its jobs (frames shown again, not computed
+    /// again), and how many of those are still to come; the render lasts until they are
+    /// out too.
+    virtual std::uint32_t repeatedFrames() const { return 0; }
+    virtual std::uint32_t repeatedFramesLeft() const { return 0; }
     JobList& jobs() { return m_morphJobs; }
 
 private:
@@ -72,6 +82,7 @@ private:
 
     MorphDocument& m_document;
     RenderSettings m_settings;
+    MovieTiming m_timing;
     std::optional<float> m_interpolationFactor;
     Morpher::Ptr m_morpher;
     JobList m_morphJobs;

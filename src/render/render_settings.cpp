@@ -3,6 +3,7 @@
 
 #include "platform/qt/user_defaults.h"
 #include "platform/qt/user_defaults_keys.h"
+#include "render/easing.h"
 
 #include <cmath>
 
@@ -48,17 +49,34 @@ bool RenderSettings::setReverse(bool reverse)
     return true;
 }
 
-std::vector<float> frameTimes(std::uint32_t numberOfFrames, MorphTimeRange range, bool reverse)
+std::vector<float> frameTimes(std::uint32_t numberOfFrames, MorphTimeRange range, bool reverse, Easing easing)
 {
     std::vector<float> times;
     times.reserve(numberOfFrames);
     for (std::uint32_t i = 0; i < numberOfFrames; ++i)
-        times.push_back(frameTime(i, numberOfFrames, range, reverse));
+        times.push_back(frameTime(i, numberOfFrames, range, reverse, easing));
     return times;
 }
 
-float frameTime(std::uint32_t index, std::uint32_t numberOfFrames, MorphTimeRange range, bool reverse)
+namespace {
+
+// An eased frame: its progress through the movie, eased, placed in the range from the
+// end the movie starts at.
+float easedFrameTime(std::uint32_t index, std::uint32_t numberOfFrames, MorphTimeRange range, bool reverse,
+                     Easing easing)
 {
+    const double progress = easedProgress(easing, static_cast<double>(index) / static_cast<double>(numberOfFrames - 1));
+    const double span = static_cast<double>(range.length) * progress;
+    const double start = static_cast<double>(range.location);
+    return static_cast<float>(reverse ? start + static_cast<double>(range.length) - span : start + span);
+}
+
+} // namespace
+
+float frameTime(std::uint32_t index, std::uint32_t numberOfFrames, MorphTimeRange range, bool reverse, Easing easing)
+{
+    if (easing != Easing::Linear && numberOfFrames > 1)
+        return easedFrameTime(index, numberOfFrames, range, reverse, easing);
     // The product in single precision, the rest in double, as the frame times of
     // earlier documents were computed; one frame has no span and sits at the start.
     const float product = static_cast<float>(index) * range.length;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "model/movie_settings.h"
+
 #include <cstdint>
 #include <optional>
 #include <vector>
@@ -69,10 +71,14 @@ private:
 };
 
 /// The morph times of the frames of a render, first frame first. One frame is a still
-/// at the start of the range.
-std::vector<float> frameTimes(std::uint32_t numberOfFrames, MorphTimeRange range, bool reverse);
+/// at the start of the range. An easing other than linear shapes how far through the
+/// range each frame is (the first frame of the result at progress 0, the last at 1),
+/// whichever the direction.
+std::vector<float> frameTimes(std::uint32_t numberOfFrames, MorphTimeRange range, bool reverse,
+                              Easing easing = Easing::Linear);
 /// The morph time of one frame of those (index 0 is the first frame).
-float frameTime(std::uint32_t index, std::uint32_t numberOfFrames, MorphTimeRange range, bool reverse);
+float frameTime(std::uint32_t index, std::uint32_t numberOfFrames, MorphTimeRange range, bool reverse,
+                Easing easing = Easing::Linear);
 
 /// The grid spacing from the user default "maxSampleInterval": its value when it is 2 or
 /// more, else fallback (7 for frames and movies, 6 for the preview strip).

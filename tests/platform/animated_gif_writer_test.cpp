@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <filesystem>
 
 namespace plyra {
@@ -23,11 +24,21 @@ AnimatedGifWriter::FrameSource testFrames(int width, int height, std::size_t fai
     };
 }
 
+// count frames at framesPerSecond, the first lasting `firstLonger` 600ths more.
+AnimationTiming timingOf(std::size_t count, double framesPerSecond, std::int64_t firstLonger = 0)
+{
+    AnimationTiming timing;
+    for (std::size_t k = 0; k < count; ++k)
+        timing.startTimes.push_back(std::llround(static_cast<double>(k) * 600.0 / framesPerSecond) + (k ? firstLonger : 0));
+    timing.endTime = std::llround(static_cast<double>(count) * 600.0 / framesPerSecond) + firstLonger;
+    return timing;
+}
+
 TEST(AnimatedGifWriter, WritesEveryFrameAtTheRateAndLoopsForEver)
 {
     ScratchFolder folder;
     const std::string path = folder.file("morph.gif");
-    ASSERT_TRUE(AnimatedGifWriter::write(path, 64, 48, 7, 10.0, testFrames(64, 48)).ok());
+    ASSERT_TRUE(AnimatedGifWriter::write(path, 64, 48, timingOf(7, 10.0), testFrames(64, 48)).ok());
     const auto probe = test::probeVideo(path);
     EXPECT_EQ(probe.at("codec_name"), "gif");
     EXPECT_EQ(probe.at("nb_read_frames"), "7");
@@ -37,22 +48,25 @@ TEST(AnimatedGifWriter, WritesEveryFrameAtTheRateAndLoopsForEver)
     // Played as the file says, it never ends: 7 frames, then the first again.
     EXPECT_EQ(test::loopingGifPackets(path, 30), 30);
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 1); // nothing beside it
+    // A held first frame lasts its hold longer; the others keep the rate.
+    ASSERT_TRUE(AnimatedGifWriter::write(path, 64, 48, timingOf(7, 10.0, 600), testFrames(64, 48)).ok());
+    EXPECT_NEAR(std::stod(test::probeVideo(path).at("duration")), 1.7, 0.011);
 }
 
 TEST(AnimatedGifWriter, AFailureLeavesNothingAndNamesTheStep)
 {
     ScratchFolder folder;
     const std::string path = folder.file("morph.gif");
-    MovieStatus status = AnimatedGifWriter::write(path, 64, 48, 5, 10.0, testFrames(64, 48, 3));
+    MovieStatus status = AnimatedGifWriter::write(path, 64, 48, timingOf(5, 10.0), testFrames(64, 48, 3));
     EXPECT_FALSE(status.ok());
     EXPECT_NE(status.message.find("frame 3 is unreadable"), std::string::npos) << status.message;
     EXPECT_NE(status.message.find(path), std::string::npos) << status.message;
-    status = AnimatedGifWriter::write(path, 64, 48, 2, 10.0, testFrames(32, 24));
+    status = AnimatedGifWriter::write(path, 64, 48, timingOf(2, 10.0), testFrames(32, 24));
     EXPECT_NE(status.message.find("32 x 24"), std::string::npos) << status.message;
     EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
-    status = AnimatedGifWriter::write(folder.file("missing/morph.gif"), 64, 48, 2, 10.0, testFrames(64, 48));
+    status = AnimatedGifWriter::write(folder.file("missing/morph.gif"), 64, 48, timingOf(2, 10.0), testFrames(64, 48));
     EXPECT_NE(status.message.find("missing/morph.gif"), std::string::npos) << status.message;
-    EXPECT_FALSE(AnimatedGifWriter::write(path, 64, 48, 0, 10.0, testFrames(64, 48)).ok());
+    EXPECT_FALSE(AnimatedGifWriter::write(path, 64, 48, timingOf(0, 10.0), testFrames(64, 48)).ok());
     EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
 }
 

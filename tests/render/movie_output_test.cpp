@@ -31,14 +31,23 @@ TEST(MovieOutput, NumberedNamesComeFromOnePlaceholderInTheFileName)
     }
 }
 
-TEST(MovieOutput, KindsFollowTheExtension)
+TEST(MovieOutput, KindsFollowTheExtensionAndChooseTheirCodec)
 {
-    EXPECT_EQ(movieOutputKindForPath(QStringLiteral("a/m.MOV")), MovieOutputKind::QuickTime);
-    EXPECT_EQ(movieOutputKindForPath(QStringLiteral("a/m.gif")), MovieOutputKind::AnimatedGif);
-    EXPECT_EQ(movieOutputKindForPath(QStringLiteral("100%/m.gif")), MovieOutputKind::AnimatedGif);
+    const struct { const char* path; MovieOutputKind kind; const char* codec; } cases[] = {
+        {"a/m.MOV", MovieOutputKind::QuickTime, "mp4v"},
+        {"a/m.mp4", MovieOutputKind::Mpeg4, "avc1"},
+        {"m.webm", MovieOutputKind::WebM, "vp09"},
+        {"100%/m.gif", MovieOutputKind::AnimatedGif, "rle "},
+        {"m.WebP", MovieOutputKind::AnimatedWebP, "rle "},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(movieOutputKindForPath(QLatin1String(c.path)), c.kind) << c.path;
+        EXPECT_EQ(movieCodecForOutput(c.kind, "mp4v"), c.codec) << c.path;
+    }
+    EXPECT_EQ(movieCodecForOutput(MovieOutputKind::QuickTime, "pxlt"), "pxlt");
     QString error;
-    EXPECT_FALSE(movieOutputKindForPath(QStringLiteral("m.mp4"), &error));
-    EXPECT_TRUE(error.contains(QStringLiteral("m.mp4"))) << error.toStdString();
+    EXPECT_FALSE(movieOutputKindForPath(QStringLiteral("m.avi"), &error));
+    EXPECT_TRUE(error.contains(QStringLiteral("m.avi"))) << error.toStdString();
     EXPECT_EQ(frameFileFormatForPath(QStringLiteral("f.JPEG")), FrameFileFormat::Jpeg);
     EXPECT_EQ(frameFileFormatForPath(QStringLiteral("f.tif")), FrameFileFormat::Tiff);
     EXPECT_FALSE(frameFileFormatForPath(QStringLiteral("f.bmp")));

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "engine/morpher.h"
 #include "platform/movie_test_support.h"
+#include "output_probe.h"
+#include "render/frame_render_controller.h"
 #include "render/movie_render_controller.h"
 #include "render_test_support.h"
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QImage>
 #include <QRegularExpression>
 
@@ -112,74 +115,158 @@ TEST(MovieRender, ALaterFrameFinishingFirstWaitsForTheEarlierOne)
     EXPECT_LT(last->pixel(32, 24)[0], 60);
 }
 
-/// A render of six frames from red to blue, saved as `kind` asks.
-struct SixFrames {
-    test::TwoImageDocument doc;
-    MovieRenderController controller{*doc.document};
+/// A render of frames from red to blue for an output path, which counts the frames it
+/// computes.
+struct FramesFor {
+    class Counting : public MovieRenderController {
+    public:
+        using MovieRenderController::MovieRenderController;
+        int computed = 0;
 
-    explicit SixFrames(MovieOutputKind kind)
+    protected:
+        MorphCalculationJob::Ptr newMorphJob(std::uint32_t frame) override
+        {
+            ++computed;
+            return MovieRenderController::newMorphJob(frame);
+        }
+    };
+
+    test::TwoImageDocument doc;
+    Counting controller{*doc.document};
+
+    FramesFor(const char* name, std::uint32_t frames, const MovieTiming& timing = {})
     {
         doc.addStillLine(0.1f, 0.1f, 0.9f, 0.9f);
-        controller.settings().setNumberOfFrames(6);
-        controller.settings().setFramesPerSecond(12.0f);
-        controller.setOutputKind(kind);
+        controller.settings().setNumberOfFrames(frames);
+        controller.settings().setFramesPerSecond(10.0f);
+        controller.setTiming(timing);
+        EXPECT_TRUE(controller.setOutputPath(path(name)));
     }
     QString path(const char* name) const { return doc.dir.filePath(QLatin1String(name)); }
+    std::string file(const char* name) const { return QFile::encodeName(path(name)).toStdString(); }
     QStringList entries() const { return QDir(doc.dir.path()).entryList(QDir::Files | QDir::Hidden, QDir::Name); }
+    bool renderAndSave(const char* name, QString* error)
+    {
+        if (!controller.recalc()) {
+            *error = controller.errorString();
+            return false;
+        }
+        renderToEnd(controller);
+        return controller.saveRenderedMovie(path(name), error);
+    }
 };
 
-TEST(MovieRenderOutput, AnAnimatedGifHasEveryFrameAndLoops)
+// Four frames at 10 per second, held 0.5 s on the first image and 1 s on the last, then
+// back: 0.6, 0.1, 0.1, 1.1, 0.1, 0.1, 0.1 seconds.
+const MovieTiming kHeldPingPong{Easing::Linear, 0.5, 1.0, true};
+const std::vector<double> kHeldPingPongSeconds{0.6, 0.1, 0.1, 1.1, 0.1, 0.1, 0.1};
+
+TEST(MovieRenderOutput, EveryContainerHoldsAndRunsBackWithoutComputingAgain)
 {
-    SixFrames render(MovieOutputKind::AnimatedGif);
-    EXPECT_EQ(render.controller.codec(), "rle "); // frames wait without loss
-    ASSERT_TRUE(render.controller.recalc()) << render.controller.errorString().toStdString();
-    renderToEnd(render.controller);
+    const struct { const char* name; const char* codec; const char* pixels; const char* container; double tolerance; } cases[] = {
+        {"morph.mov", "h264", "yuv420p", "mov,mp4,m4a,3gp,3g2,mj2", 1e-9},
+        {"morph.mp4", "h264", "yuv420p", "mov,mp4,m4a,3gp,3g2,mj2", 1e-9},
+        {"morph.webm", "vp9", "yuv420p", "matroska,webm", 0.0011},
+        {"morph.gif", "gif", "bgra", "gif", 0.011},
+    };
+    for (const auto& c : cases) {
+        FramesFor render(c.name, 4, kHeldPingPong);
+        render.controller.setCodec("avc1");
+        QString error;
+        ASSERT_TRUE(render.renderAndSave(c.name, &error)) << c.name << ": " << error.toStdString();
+        EXPECT_EQ(render.controller.computed, 4) << c.name;
+        const test::ProbedMovie probed = test::probeMovie(render.file(c.name));
+        EXPECT_EQ(probed.container, c.container) << c.name;
+        EXPECT_EQ(probed.codec, c.codec) << c.name;
+        EXPECT_EQ(probed.pixelFormat, c.pixels) << c.name;
+        ASSERT_EQ(probed.frameSeconds.size(), kHeldPingPongSeconds.size()) << c.name;
+        for (std::size_t k = 0; k < kHeldPingPongSeconds.size(); ++k)
+            EXPECT_NEAR(probed.frameSeconds[k], kHeldPingPongSeconds[k], c.tolerance) << c.name << " frame " << k;
+    }
+    // Browsers start an MP4 before it has arrived: its index comes first.
+    FramesFor mp4("fast.mp4", 4);
     QString error;
-    ASSERT_TRUE(render.controller.saveRenderedMovie(render.path("morph.gif"), &error)) << error.toStdString();
-    const std::string gif = QFile::encodeName(render.path("morph.gif")).toStdString();
-    const auto probe = test::probeVideo(gif);
-    EXPECT_EQ(probe.at("codec_name"), "gif");
-    EXPECT_EQ(probe.at("nb_read_frames"), "6");
-    EXPECT_NEAR(std::stod(probe.at("duration")), 0.5, 0.011);
-    EXPECT_EQ(test::loopingGifPackets(gif, 20), 20);
+    ASSERT_TRUE(mp4.renderAndSave("fast.mp4", &error)) << error.toStdString();
+    const std::vector<std::string> boxes = test::topLevelBoxes(mp4.file("fast.mp4"));
+    const auto moov = std::find(boxes.begin(), boxes.end(), "moov");
+    ASSERT_NE(moov, boxes.end());
+    EXPECT_LT(moov, std::find(boxes.begin(), boxes.end(), "mdat"));
 }
 
-TEST(MovieRenderOutput, AnImageSequenceHasOneLosslessFileAFrameOrNone)
+TEST(MovieRenderOutput, AnAnimatedWebpLoopsWithEachFramesDuration)
 {
-    SixFrames render(MovieOutputKind::ImageSequence);
-    ASSERT_TRUE(render.controller.recalc());
-    renderToEnd(render.controller);
-    // The fifth frame's name is taken by a folder: nothing at all is written.
-    ASSERT_TRUE(QDir().mkpath(render.path("blocked_005.png")));
-    const QStringList before = render.entries();
+    FramesFor render("morph.webp", 4, kHeldPingPong);
     QString error;
-    EXPECT_FALSE(render.controller.saveRenderedMovie(render.path("blocked_%03d.png"), &error));
-    EXPECT_TRUE(error.contains(QStringLiteral("blocked_005.png"))) << error.toStdString();
-    EXPECT_EQ(render.entries(), before);
+    ASSERT_TRUE(render.renderAndSave("morph.webp", &error)) << error.toStdString();
+    const test::ProbedWebp probed = test::probeWebp(render.file("morph.webp"));
+    EXPECT_EQ(probed.loopCount, 0);
+    EXPECT_EQ(probed.frameMilliseconds, (std::vector<int>{600, 100, 100, 1100, 100, 100, 100}));
+}
 
-    ASSERT_TRUE(render.controller.saveRenderedMovie(render.path("seq_%03d.png"), &error)) << error.toStdString();
-    for (int n = 1; n <= 6; ++n)
-        EXPECT_TRUE(QFile::exists(render.path("seq_00%1.png").arg(n))) << n;
-    EXPECT_FALSE(QFile::exists(render.path("seq_007.png")));
-    // The ends are the pictures, byte for byte: red and blue.
-    EXPECT_EQ(QImage(render.path("seq_001.png")).pixel(20, 20), qRgb(255, 0, 0));
-    EXPECT_EQ(QImage(render.path("seq_006.png")).pixel(20, 20), qRgb(0, 0, 255));
-    EXPECT_EQ(render.entries().filter(QRegularExpression(QStringLiteral("^\\."))), QStringList()); // nothing beside
+TEST(MovieRenderOutput, TheWayBackShowsTheVeryFramesOfTheWayForth)
+{
+    FramesFor render("morph.mov", 5, {Easing::Linear, 0.0, 0.0, true});
+    render.controller.setCodec("rle "); // lossless: the frames decode to what was rendered
+    QString error;
+    ASSERT_TRUE(render.renderAndSave("morph.mov", &error)) << error.toStdString();
+    const std::unique_ptr<Movie> movie = Movie::open(render.file("morph.mov"));
+    ASSERT_TRUE(movie);
+    const std::vector<std::int64_t> times = movie->frameTimes();
+    ASSERT_EQ(times.size(), 9u);
+    for (std::size_t back = 5; back < 9; ++back) {
+        const auto shownAgain = movie->frameImageAtTime({times[back], 600, 0});
+        const auto forth = movie->frameImageAtTime({times[8 - back], 600, 0});
+        ASSERT_TRUE(shownAgain && forth);
+        EXPECT_EQ(shownAgain->bytes(), forth->bytes()) << back;
+    }
+}
+
+TEST(MovieRenderOutput, AnImageSequenceAppearsWholeWithHeldFramesCopied)
+{
+    // Held 0.2 s first and 0.1 s last at 10 per second, then back: 10 files of 4 frames.
+    const MovieTiming timing{Easing::Linear, 0.2, 0.1, true};
+    const std::vector<int> sources{0, 0, 0, 1, 2, 3, 3, 2, 1, 0};
+    for (const char* pattern : {"seq_%03d.png", "seq_%03d.tif"}) {
+        FramesFor render(pattern, 4, timing);
+        // The fifth file's name is taken by a folder: nothing at all is written.
+        const QString fifth = render.path(pattern).replace(QStringLiteral("%03d"), QStringLiteral("005"));
+        ASSERT_TRUE(QDir().mkpath(fifth));
+        QString error;
+        EXPECT_FALSE(render.renderAndSave(pattern, &error));
+        EXPECT_TRUE(error.contains(QFileInfo(fifth).fileName())) << error.toStdString();
+        EXPECT_TRUE(render.entries().filter(QRegularExpression(QStringLiteral("^seq_"))).isEmpty());
+        ASSERT_TRUE(QDir(fifth).removeRecursively());
+
+        render.controller.computed = 0;
+        ASSERT_TRUE(render.renderAndSave(pattern, &error)) << error.toStdString();
+        EXPECT_EQ(render.controller.computed, 4);
+        const QStringList files = render.entries().filter(QRegularExpression(QStringLiteral("^seq_")));
+        ASSERT_EQ(files.size(), 10) << files.join(u' ').toStdString();
+        // Each file is its frame exactly as rendered alone at that time and size.
+        FrameRenderController still(*render.doc.document);
+        still.settings().setFrameSize({64, 48});
+        for (std::size_t file = 0; file < sources.size(); ++file) {
+            still.setTime(static_cast<float>(sources[file]) / 3.0f);
+            ASSERT_TRUE(still.recalc());
+            renderToEnd(still);
+            const QString name = QString(pattern).replace(QStringLiteral("%03d"), QStringLiteral("%1")).arg(file + 1, 3, 10, QLatin1Char('0'));
+            const QImage saved(render.path(name.toLatin1().constData()));
+            EXPECT_EQ(saved.convertToFormat(QImage::Format_RGBA8888_Premultiplied), imageFromBitmap(*still.bitmap())) << name.toStdString();
+        }
+    }
 }
 
 TEST(MovieRenderOutput, ACodecOutsideTheTableIsUsedOrRefusedBeforeAnyFrame)
 {
-    SixFrames jpeg(MovieOutputKind::QuickTime);
+    FramesFor jpeg("photo.mov", 6);
     jpeg.controller.setCodec("jpeg");
-    ASSERT_TRUE(jpeg.controller.recalc()) << jpeg.controller.errorString().toStdString();
-    renderToEnd(jpeg.controller);
     QString error;
-    ASSERT_TRUE(jpeg.controller.saveRenderedMovie(jpeg.path("photo.mov"), &error)) << error.toStdString();
-    const auto probe = test::probeVideo(QFile::encodeName(jpeg.path("photo.mov")).toStdString());
+    ASSERT_TRUE(jpeg.renderAndSave("photo.mov", &error)) << error.toStdString();
+    const auto probe = test::probeVideo(jpeg.file("photo.mov"));
     EXPECT_EQ(probe.at("codec_tag_string"), "jpeg");
     EXPECT_EQ(probe.at("nb_read_frames"), "6");
 
-    SixFrames nothing(MovieOutputKind::QuickTime);
+    FramesFor nothing("photo.mov", 6);
     nothing.controller.setCodec("zzzz");
     EXPECT_FALSE(nothing.controller.recalc());
     EXPECT_TRUE(nothing.controller.morphJobs().empty());

@@ -25,6 +25,7 @@ namespace {
 
 // GIF delays count hundredths of a second.
 constexpr AVRational kGifTimeBase{1, 100};
+constexpr std::int64_t kGifUnitsPerSecond = 100;
 
 struct FrameFree {
     void operator()(AVFrame* frame) const { av_frame_free(&frame); }
@@ -35,13 +36,6 @@ struct GraphFree {
     void operator()(AVFilterGraph* graph) const { avfilter_graph_free(&graph); }
 };
 using GraphPtr = std::unique_ptr<AVFilterGraph, GraphFree>;
-
-// The frame's place in hundredths of a second: frames keep the rate on average although
-// each delay is a whole number.
-int64_t framePts(std::size_t index, double framesPerSecond)
-{
-    return std::llround(static_cast<double>(index) * 100.0 / framesPerSecond);
-}
 
 /// A picture as the filters take it: straight alpha, blue-green-red-alpha bytes, top row
 /// first.
@@ -153,7 +147,8 @@ public:
         av_packet_free(&m_packet);
     }
 
-    MovieStatus open(const std::string& file, int width, int height)
+    /// The last frame lasts `finalDelay` hundredths of a second.
+    MovieStatus open(const std::string& file, int width, int height, std::int64_t finalDelay)
     {
         const AVCodec* codec = avcodec_find_encoder(AV_CODEC_ID_GIF);
         if (!codec)
@@ -178,6 +173,7 @@ public:
             return ffmpegFailure("Could not open \"" + file + "\"", result);
         AVDictionary* options = nullptr;
         av_dict_set(&options, "loop", "0", 0); // for ever
+        av_dict_set_int(&options, "final_delay", std::clamp<std::int64_t>(finalDelay, 0, 65535), 0);
         result = avformat_write_header(m_format, &options);
         av_dict_free(&options);
         return result < 0 ? ffmpegFailure("Could not write the GIF header", result) : MovieStatus::success();
@@ -224,9 +220,8 @@ private:
 /// Threads: one thread.
 class GifPasses {
 public:
-    GifPasses(int width, int height, std::size_t count, double framesPerSecond,
-              const AnimatedGifWriter::FrameSource& frames)
-        : m_width(width), m_height(height), m_count(count), m_framesPerSecond(framesPerSecond), m_frames(frames)
+    GifPasses(int width, int height, const AnimationTiming& timing, const AnimatedGifWriter::FrameSource& frames)
+        : m_width(width), m_height(height), m_count(timing.frameCount()), m_timing(timing), m_frames(frames)
     {
     }
 
@@ -281,7 +276,7 @@ private:
             return MovieStatus::failure(kMovieParamError, formatString("Frame %zu is %d x %d pixels, not %d x %d",
                                                                        index + 1, image->width(), image->height(),
                                                                        m_width, m_height));
-        FramePtr frame = filterFrame(*image, framePts(index, m_framesPerSecond));
+        FramePtr frame = filterFrame(*image, m_timing.startIn(index, kGifUnitsPerSecond));
         if (!frame)
             return MovieStatus::failure(kMovieMemoryError, "Out of memory while preparing a GIF frame");
         return pass.send(0, frame.get(), take);
@@ -290,28 +285,30 @@ private:
     int m_width;
     int m_height;
     std::size_t m_count;
-    double m_framesPerSecond;
+    const AnimationTiming& m_timing;
     const AnimatedGifWriter::FrameSource& m_frames;
     FramePtr m_palette;
 };
 
 } // namespace
 
-MovieStatus AnimatedGifWriter::write(const std::string& path, int width, int height, std::size_t count,
-                                     double framesPerSecond, const FrameSource& frames)
+MovieStatus AnimatedGifWriter::write(const std::string& path, int width, int height, const AnimationTiming& timing,
+                                     const FrameSource& frames)
 {
     initializeFfmpegLogging();
-    if (count == 0 || width < 1 || height < 1 || width > 65535 || height > 65535 || !(framesPerSecond > 0.0))
+    const std::size_t count = timing.frameCount();
+    if (count == 0 || width < 1 || height < 1 || width > 65535 || height > 65535)
         return MovieStatus::failure(kMovieParamError, formatString(
             "Could not write \"%s\": an animated GIF needs frames of 1 to 65535 pixels a side", path.c_str()));
     MovieOutputFile file(path);
     if (!file.status().ok())
         return file.status();
-    GifPasses passes(width, height, count, framesPerSecond, frames);
+    GifPasses passes(width, height, timing, frames);
     MovieStatus status = passes.makePalette();
     GifOutput output;
+    const std::int64_t finalDelay = timing.startIn(count, kGifUnitsPerSecond) - timing.startIn(count - 1, kGifUnitsPerSecond);
     if (status.ok())
-        status = output.open(file.sidePath(), width, height);
+        status = output.open(file.sidePath(), width, height, finalDelay);
     if (status.ok())
         status = passes.mapAndEncode(output);
     if (status.ok())

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "platform/movie/animation_timing.h"
 #include "platform/movie/movie_status.h"
 #include "platform/movie/rgba_image.h"
 
@@ -15,7 +16,7 @@ namespace plyra {
 /// makes one palette of 256 colours from all frames (palettegen), a second maps each
 /// frame onto it with error diffusion (paletteuse), so that photographs show no bands,
 /// and FFmpeg's GIF encoder compresses it. Frame delays are whole hundredths of a
-/// second, spread so that the animation keeps the frame rate on average.
+/// second, spread so that the animation keeps its timing on average.
 /// Threads: one thread at a time; writers share nothing, so several may run at once.
 class AnimatedGifWriter {
 public:
@@ -24,11 +25,11 @@ public:
     /// once per pass, in order.
     using FrameSource = std::function<std::optional<RgbaImage>(std::size_t index, MovieStatus* status)>;
 
-    /// Writes `count` frames of `width` × `height` pixels, shown at framesPerSecond, to
-    /// path. The file is written beside path and renamed into place only when complete;
-    /// a failure leaves path as it was and says which step failed.
-    static MovieStatus write(const std::string& path, int width, int height, std::size_t count,
-                             double framesPerSecond, const FrameSource& frames);
+    /// Writes the frames of `timing` of `width` × `height` pixels to path. The file is
+    /// written beside path and renamed into place only when complete; a failure leaves
+    /// path as it was and says which step failed.
+    static MovieStatus write(const std::string& path, int width, int height, const AnimationTiming& timing,
+                             const FrameSource& frames);
 };
 
 } // namespace plyra

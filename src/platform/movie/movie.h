@@ -17,6 +17,11 @@ namespace plyra {
 
 class MovieSampleStore;
 
+/// The file a movie is written as: QuickTime (.mov), MPEG-4 (.mp4) or WebM (.webm). The
+/// codec of its frames must be one the container holds (H.264 for MPEG-4 as browsers
+/// play it, VP9 for WebM).
+enum class MovieContainer { QuickTime, Mpeg4, WebM };
+
 /// The attributes a movie carries; an attribute never set is absent.
 /// Threads: a plain value.
 struct MovieAttributes {
@@ -96,10 +101,12 @@ public:
     /// is complete, before it is written out.
     void finishCompression();
 
-    /// Writes the movie as a QuickTime file holding all its sample data. With `flatten`
-    /// the index goes in front of the data (fast start). The file is written beside
-    /// `path` and renamed into place only when complete; a failure leaves `path` as it was.
-    MovieStatus writeToFile(const std::string& path, bool flatten = true);
+    /// Writes the movie as a file of the container (QuickTime unless said) holding all its
+    /// sample data. With `flatten` the index goes in front of the data (fast start). The
+    /// file is written beside `path` and renamed into place only when complete; a failure
+    /// leaves `path` as it was.
+    MovieStatus writeToFile(const std::string& path, bool flatten = true,
+                            MovieContainer container = MovieContainer::QuickTime);
 
     /// Decodes the frame of the last video track shown at `time`; none when there is none.
     std::optional<RgbaImage> frameImageAtTime(const MovieTime& time) const;

@@ -30,6 +30,12 @@ const std::array<MovieCodecSetup, 5> kCodecs{{
      "Pixlet has no encoder here; writing Apple ProRes instead"},
 }};
 
+// Codecs that other containers than QuickTime need: VP9 for WebM (the container stores
+// no four-character code, so the track gets no tag).
+const std::array<MovieCodecSetup, 1> kContainerCodecs{{
+    {fourCharCode("vp09"), "libvpx-vp9", AV_PIX_FMT_YUV420P, false, false, false, nullptr},
+}};
+
 double qualityFraction(int quality)
 {
     return std::clamp(quality, 0, 1023) / 1023.0;
@@ -104,6 +110,9 @@ std::optional<MovieCodecSetup> movieCodecSetup(FourCharCode code)
                                     [code](const MovieCodecSetup& setup) { return setup.code == code; });
     if (found != kCodecs.end())
         return *found;
+    for (const MovieCodecSetup& setup : kContainerCodecs)
+        if (setup.code == code)
+            return setup;
     return quickTimeCodecSetup(code);
 }
 
@@ -123,6 +132,11 @@ int qscaleForQuality(int quality)
 int crfForQuality(int quality)
 {
     return 51 - static_cast<int>(qualityFraction(quality) * 39.0 + 0.5);
+}
+
+int vp9CrfForQuality(int quality)
+{
+    return 63 - static_cast<int>(qualityFraction(quality) * 48.0 + 0.5);
 }
 
 int proresProfileForQuality(int quality)

@@ -46,9 +46,9 @@ struct MovieCodecSetup {
     uint32_t codecTag = 0;
 };
 
-/// The set-up for a codec code: one of the five codecs every movie can use, else the
-/// encoder FFmpeg has for what the code means in a QuickTime file ("jpeg" is Photo-JPEG,
-/// "png " PNG); none when nothing here can write the code.
+/// The set-up for a codec code: one of the five codecs every movie can use, VP9 ("vp09")
+/// for WebM files, else the encoder FFmpeg has for what the code means in a QuickTime
+/// file ("jpeg" is Photo-JPEG, "png " PNG); none when nothing here can write the code.
 std::optional<MovieCodecSetup> movieCodecSetup(FourCharCode code);
 /// The five codes of the table, in its order, each always available.
 std::vector<FourCharCode> standardMovieCodecs();
@@ -57,6 +57,7 @@ std::vector<FourCharCode> standardMovieCodecs();
 /// coarser setting.
 int qscaleForQuality(int quality);         // mpeg4, mjpeg: 31 (coarsest) .. 1
 int crfForQuality(int quality);            // x264: 51 .. 12
+int vp9CrfForQuality(int quality);         // libvpx-vp9: 63 .. 15
 int proresProfileForQuality(int quality);  // 0 proxy, 1 LT, 2 standard, 3 HQ, 4 4444
 
 /// The four-character code for an FFmpeg codec tag as stored in a QuickTime file.

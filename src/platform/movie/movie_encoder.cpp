@@ -146,6 +146,18 @@ AVDictionary* MovieEncoder::configureCodec()
         // No look-ahead and no reordering: every frame's packet leaves the encoder at once.
         av_dict_set(&options, "tune", "zerolatency", 0);
     }
+    if (name == "libvpx-vp9") {
+        // Constant quality, no look-ahead and no hidden reference frames: every frame's
+        // packet leaves at once. The effort setting keeps a long movie from taking hours.
+        m_context->bit_rate = 0;
+        m_context->thread_count = 0;
+        av_dict_set_int(&options, "crf", vp9CrfForQuality(m_quality), 0);
+        av_dict_set(&options, "deadline", "good", 0);
+        av_dict_set_int(&options, "cpu-used", 5, 0);
+        av_dict_set_int(&options, "lag-in-frames", 0, 0);
+        av_dict_set_int(&options, "auto-alt-ref", 0, 0);
+        av_dict_set_int(&options, "row-mt", 1, 0);
+    }
     if (name == "prores_ks") {
         // ProRes is slow on one core; its slices encode in parallel without delaying frames.
         m_context->thread_type = FF_THREAD_SLICE;

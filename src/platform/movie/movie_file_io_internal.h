@@ -11,10 +11,10 @@ struct AVFormatContext;
 
 namespace plyra {
 
-/// Writes the tracks of a movie that hold samples into a QuickTime file, copying the
-/// compressed samples as they are (no re-encoding).
+/// Writes the tracks of a movie that hold samples into a file of the container, copying
+/// the compressed samples as they are (no re-encoding).
 /// Threads: the thread that uses the movie.
-MovieStatus writeMovieFile(const Movie& movie, const std::string& path, bool fastStart);
+MovieStatus writeMovieFile(const Movie& movie, const std::string& path, bool fastStart, MovieContainer container);
 
 /// Reads a movie file into a Movie whose samples refer to the file.
 /// Threads: any thread; the movie it makes is the caller's.

@@ -45,12 +45,14 @@ public:
     }
 
     /// Writes to path; messages name shownPath, the file the user asked for.
-    MovieStatus open(const std::string& path, const std::string& shownPath)
+    MovieStatus open(const std::string& path, const std::string& shownPath, MovieContainer container)
     {
         m_path = path;
         m_shownPath = shownPath;
+        m_container = container;
         initializeFfmpegLogging();
-        const int made = avformat_alloc_output_context2(&m_context, nullptr, "mov", path.c_str());
+        const char* const formats[] = {"mov", "mp4", "webm"};
+        const int made = avformat_alloc_output_context2(&m_context, nullptr, formats[static_cast<int>(container)], path.c_str());
         if (made < 0 || !m_context)
             return ffmpegFailure(userText("MovieFileWriter", "Could not set up the movie file \"%1\": %2"), m_shownPath,
                 made < 0 ? made : AVERROR(ENOMEM));
@@ -72,11 +74,17 @@ public:
         if (opened < 0)
             return ffmpegFailure(userText("MovieFileWriter", "Could not create \"%1\": %2"), m_shownPath, opened);
         AVDictionary* options = nullptr;
-        if (fastStart)
-            av_dict_set(&options, "movflags", "+faststart", 0);
-        av_dict_set_int(&options, "movie_timescale", kMovieTimeScale, 0);
-        if (videoTimeScale > 0)
-            av_dict_set_int(&options, "video_track_timescale", videoTimeScale, 0);
+        if (m_container == MovieContainer::WebM) {
+            // The index of a WebM file goes in front too, for players that stream it.
+            if (fastStart)
+                av_dict_set(&options, "cues_to_front", "1", 0);
+        } else {
+            if (fastStart)
+                av_dict_set(&options, "movflags", "+faststart", 0);
+            av_dict_set_int(&options, "movie_timescale", kMovieTimeScale, 0);
+            if (videoTimeScale > 0)
+                av_dict_set_int(&options, "video_track_timescale", videoTimeScale, 0);
+        }
         const int written = avformat_write_header(m_context, &options);
         av_dict_free(&options);
         if (written < 0)
@@ -127,6 +135,7 @@ private:
     AVFormatContext* m_context = nullptr;
     std::string m_path;
     std::string m_shownPath;
+    MovieContainer m_container = MovieContainer::QuickTime;
 };
 
 std::vector<TrackOutput> tracksToWrite(const Movie& movie)
@@ -172,10 +181,10 @@ TrackOutput* nextInTime(std::vector<TrackOutput>& outputs)
 }
 
 MovieStatus muxInto(const std::string& path, const std::string& shownPath, std::vector<TrackOutput>& outputs,
-                    bool fastStart)
+                    bool fastStart, MovieContainer container)
 {
     MovieMuxer muxer;
-    MovieStatus status = muxer.open(path, shownPath);
+    MovieStatus status = muxer.open(path, shownPath, container);
     for (TrackOutput& output : outputs) {
         if (!status.ok())
             return status;
@@ -196,7 +205,7 @@ MovieStatus muxInto(const std::string& path, const std::string& shownPath, std::
 
 } // namespace
 
-MovieStatus writeMovieFile(const Movie& movie, const std::string& path, bool fastStart)
+MovieStatus writeMovieFile(const Movie& movie, const std::string& path, bool fastStart, MovieContainer container)
 {
     std::vector<TrackOutput> outputs = tracksToWrite(movie);
     if (outputs.empty())
@@ -206,13 +215,13 @@ MovieStatus writeMovieFile(const Movie& movie, const std::string& path, bool fas
     MovieOutputFile file(path);
     if (!file.status().ok())
         return file.status();
-    const MovieStatus status = muxInto(file.sidePath(), path, outputs, fastStart);
+    const MovieStatus status = muxInto(file.sidePath(), path, outputs, fastStart, container);
     return status.ok() ? file.commit(userText("MovieFileWriter", "Could not move the finished movie to \"%1\": %2")) : status;
 }
 
-MovieStatus Movie::writeToFile(const std::string& path, bool flatten)
+MovieStatus Movie::writeToFile(const std::string& path, bool flatten, MovieContainer container)
 {
-    return writeMovieFile(*this, path, flatten);
+    return writeMovieFile(*this, path, flatten, container);
 }
 
 } // namespace plyra

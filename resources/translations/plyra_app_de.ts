@@ -270,6 +270,10 @@
         <source>Duplicate Lines</source>
         <translation>Linien duplizieren</translation>
     </message>
+    <message>
+        <source>Change Movie Settings</source>
+        <translation>Filmeinstellungen ändern</translation>
+    </message>
 </context>
 <context>
     <name>WindowActions</name>

@@ -38,6 +38,37 @@
         <source>TIFF image, lossless (*.tif *.tiff)</source>
         <translation>TIFF-Bild, verlustfrei (*.tif *.tiff)</translation>
     </message>
+    <message>
+        <source>Morph time in percent</source>
+        <translation>Morph-Zeitpunkt in Prozent</translation>
+    </message>
+    <message>
+        <source> %</source>
+        <translation> %</translation>
+    </message>
+    <message>
+        <source>The exact morph time of the frame, from 0 % (the first image) to 100 % (the last)</source>
+        <translation>Der genaue Morph-Zeitpunkt des Bildes, von 0 % (das erste Bild) bis 100 % (das letzte)</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>Zeit</translation>
+    </message>
+</context>
+<context>
+    <name>plyra::MovieExport</name>
+    <message>
+        <source>Saving “%1”…</source>
+        <translation>„%1“ wird gesichert …</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Saving</source>
+        <translation>Sichern</translation>
+    </message>
 </context>
 <context>
     <name>plyra::MoviePictureView</name>
@@ -143,6 +174,62 @@
         <source>Quality:</source>
         <translation>Qualität:</translation>
     </message>
+    <message>
+        <source>Easing</source>
+        <translation>Beschleunigung</translation>
+    </message>
+    <message>
+        <source>Linear</source>
+        <translation>Gleichmäßig</translation>
+    </message>
+    <message>
+        <source>Ease In</source>
+        <translation>Langsamer Beginn</translation>
+    </message>
+    <message>
+        <source>Ease Out</source>
+        <translation>Langsames Ende</translation>
+    </message>
+    <message>
+        <source>Ease In and Out</source>
+        <translation>Langsamer Beginn und Ende</translation>
+    </message>
+    <message>
+        <source>How the morph speeds up and slows down over the movie</source>
+        <translation>Wie der Morph im Lauf des Films schneller und langsamer wird</translation>
+    </message>
+    <message>
+        <source>Easing:</source>
+        <translation>Beschleunigung:</translation>
+    </message>
+    <message>
+        <source>seconds</source>
+        <translation>Sekunden</translation>
+    </message>
+    <message>
+        <source>Hold first image:</source>
+        <translation>Erstes Bild halten:</translation>
+    </message>
+    <message>
+        <source>Hold at start</source>
+        <translation>Am Anfang halten</translation>
+    </message>
+    <message>
+        <source>Hold last image:</source>
+        <translation>Letztes Bild halten:</translation>
+    </message>
+    <message>
+        <source>Hold at end</source>
+        <translation>Am Ende halten</translation>
+    </message>
+    <message>
+        <source>Ping-pong (forth and back, for loops)</source>
+        <translation>Ping-Pong (hin und zurück, für Schleifen)</translation>
+    </message>
+    <message>
+        <source>Ping-pong</source>
+        <translation>Ping-Pong</translation>
+    </message>
 </context>
 <context>
     <name>plyra::MovieWindow</name>
@@ -177,6 +264,26 @@
     <message>
         <source>Do you want to save the movie of “%1”?</source>
         <translation>Möchten Sie den Film von „%1“ speichern?</translation>
+    </message>
+    <message>
+        <source>MPEG-4 movie, H.264 (*.mp4)</source>
+        <translation>MPEG-4-Film, H.264 (*.mp4)</translation>
+    </message>
+    <message>
+        <source>WebM movie, VP9 (*.webm)</source>
+        <translation>WebM-Film, VP9 (*.webm)</translation>
+    </message>
+    <message>
+        <source>Animated WebP, looping (*.webp)</source>
+        <translation>Animiertes WebP, endlos (*.webp)</translation>
+    </message>
+    <message>
+        <source>Image sequence, a folder of numbered PNG frames (*)</source>
+        <translation>Bildfolge, ein Ordner nummerierter PNG-Bilder (*)</translation>
+    </message>
+    <message>
+        <source>The folder “%1” cannot be made.</source>
+        <translation>Der Ordner „%1“ kann nicht angelegt werden.</translation>
     </message>
 </context>
 <context>
@@ -332,6 +439,14 @@
     <message>
         <source>total: %1 seconds</source>
         <translation>insgesamt: %1 Sekunden</translation>
+    </message>
+    <message>
+        <source>Document frame size</source>
+        <translation>Bildgröße des Dokuments</translation>
+    </message>
+    <message>
+        <source>Document frame size (%1 × %2 pixels)</source>
+        <translation>Bildgröße des Dokuments (%1 × %2 Pixel)</translation>
     </message>
 </context>
 <context>

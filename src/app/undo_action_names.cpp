@@ -26,6 +26,7 @@ namespace {
     QT_TRANSLATE_NOOP("UndoAction", "Duplicate Lines"),
     QT_TRANSLATE_NOOP("UndoAction", "Flip Lines"),
     QT_TRANSLATE_NOOP("UndoAction", "Duplicate Lines"),
+    QT_TRANSLATE_NOOP("UndoAction", "Change Movie Settings"),
 };
 
 } // namespace

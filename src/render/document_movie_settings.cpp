@@ -18,7 +18,8 @@ void applyMovieSettings(const MovieSettings& movie, RenderController& controller
     settings.setFramesPerSecond(movie.framesPerSecond);
     settings.setTimeRange({movie.rangeLocation, movie.rangeLength});
     settings.setReverse(movie.reverse);
-    settings.setFrameRatioMode(movie.frameRatioMode);
+    // The stored form keeps the mode as its number (0 to 2, checked when read).
+    settings.setFrameRatioMode(static_cast<FrameRatioMode>(movie.frameRatioMode));
     settings.setSizeToView(movie.sizeToView);
     const FrameSize fixed{movie.frameWidth, movie.frameHeight};
     if (!movie.sizeToView && fixed.isSet())

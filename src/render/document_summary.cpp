@@ -2,6 +2,7 @@
 #include "render/document_summary.h"
 
 #include "model/morph_document.h"
+#include "model/movie_settings_form.h"
 #include "platform/number_text.h"
 
 #include <QJsonArray>
@@ -67,6 +68,27 @@ QJsonObject imageSummary(const MorphDocument& document, unsigned track)
     return object;
 }
 
+// The movie the document renders, with the names info.plist stores; null while the
+// document has no settings of its own.
+QJsonValue movieSummary(const MorphDocument& document)
+{
+    const std::optional<MovieSettings>& movie = document.movieSettings();
+    if (!movie)
+        return QJsonValue::Null;
+    QJsonObject object;
+    object[QStringLiteral("frames")] = static_cast<qint64>(movie->numberOfFrames);
+    object[QStringLiteral("framesPerSecond")] = shortest(movie->framesPerSecond);
+    object[QStringLiteral("sizeToWindow")] = movie->sizeToView;
+    object[QStringLiteral("frameRatio")] = movie->frameRatioMode;
+    object[QStringLiteral("frameSize")] = QJsonArray{shortest(movie->frameWidth), shortest(movie->frameHeight)};
+    object[QStringLiteral("range")] = QJsonArray{shortest(movie->rangeLocation), shortest(movie->rangeLength)};
+    object[QStringLiteral("reverse")] = movie->reverse;
+    object[QStringLiteral("easing")] = QLatin1String(MovieSettingsForm::easingName(movie->timing.easing));
+    object[QStringLiteral("hold")] = QJsonArray{movie->timing.holdStart, movie->timing.holdEnd};
+    object[QStringLiteral("pingPong")] = movie->timing.pingPong;
+    return object;
+}
+
 } // namespace
 
 QJsonObject documentSummary(const MorphDocument& document)
@@ -81,6 +103,7 @@ QJsonObject documentSummary(const MorphDocument& document)
     else
         summary[QStringLiteral("lineColor")] = QJsonValue::Null;
     summary[QStringLiteral("images")] = QJsonArray{imageSummary(document, 0), imageSummary(document, 1)};
+    summary[QStringLiteral("movie")] = movieSummary(document);
     QJsonArray lines;
     for (const MorphLine::Ptr& line : document.morphLines())
         lines.append(lineSummary(document.morphLines(), line));

@@ -25,6 +25,14 @@ bool FrameRenderController::setTime(float time)
     return true;
 }
 
+bool FrameRenderController::setExactTime(float time)
+{
+    if (time == this->time())
+        return false;
+    settings().setExactTimeRange({time, 0.0f});
+    return true;
+}
+
 MorphCalculationJob::Ptr FrameRenderController::newMorphJob(std::uint32_t)
 {
     const FrameSize size = frameSize();

@@ -21,6 +21,8 @@ public:
     float time() const { return settings().timeRange().location; }
     /// Changes of at most 0.001 are ignored; answers whether the time changed.
     bool setTime(float time);
+    /// Any change, however small: a time typed exactly is rendered exactly.
+    bool setExactTime(float time);
 
     /// The last finished frame; empty until one is finished.
     const std::optional<Bitmap>& bitmap() const { return m_bitmap; }

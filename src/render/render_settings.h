@@ -50,6 +50,8 @@ public:
     MorphTimeRange timeRange() const { return m_timeRange; }
     /// Changes of at most 1e-5 in total (location plus length) are ignored.
     bool setTimeRange(MorphTimeRange range);
+    /// Stores the range whatever the change: a time typed exactly is rendered exactly.
+    void setExactTimeRange(MorphTimeRange range) { m_timeRange = range; }
 
     bool reverse() const { return m_reverse; }
     bool setReverse(bool reverse);

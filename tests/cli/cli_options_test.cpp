@@ -45,11 +45,19 @@ TEST(CliOptions, ModesFollowTheOutputExtensionAndOptions)
         ASSERT_TRUE(result.options) << still << ": " << result.error;
         EXPECT_EQ(result.options->mode, CliMode::Frame) << still;
     }
-    for (const char* moving : {"m.gif", "out/m_%04d.png", "m_%d.tif"}) {
-        auto result = parse({"doc.plyra", "-o", moving, "--frames", "8", "--fps", "10"});
+    for (const char* moving : {"m.gif", "m.webp", "m.mp4", "m.webm", "out/m_%04d.png", "m_%d.tif"}) {
+        auto result = parse({"doc.plyra", "-o", moving});
         ASSERT_TRUE(result.options) << moving << ": " << result.error;
         EXPECT_EQ(result.options->mode, CliMode::Movie) << moving;
+        EXPECT_FALSE(result.options->frames) << moving; // the document's count
     }
+    auto timed = parse({"doc.plyra", "-o", "m.mp4", "--ease", "in-out", "--hold", "1.5,0", "--ping-pong"});
+    ASSERT_TRUE(timed.options) << timed.error;
+    EXPECT_EQ(*timed.options->easing, Easing::EaseInOut);
+    EXPECT_EQ(*timed.options->holdStart, 1.5);
+    EXPECT_EQ(*timed.options->holdEnd, 0.0);
+    EXPECT_TRUE(timed.options->pingPong);
+    EXPECT_EQ(*parse({"doc.plyra", "-o", "m.gif", "--ease", "out"}).options->easing, Easing::EaseOut);
 
     auto info = parse({"--info", "doc.plyra"});
     ASSERT_TRUE(info.options);
@@ -84,11 +92,14 @@ TEST(CliOptions, UsageErrorsSayWhatIsWrong)
         {{"doc.plyra", "-o", "x_%04d_%d.png", "--frames", "3"}, "a numbered image sequence needs one %d or %0Nd"},
         {{"doc.plyra", "-o", "x_%4d.png", "--frames", "3"}, "a numbered image sequence needs"},
         {{"doc.plyra", "-o", "x_%04d.gif", "--frames", "3"}, "a numbered image sequence needs"},
-        {{"doc.plyra", "-o", "x_%04d.png"}, "a movie needs --frames N"},
-        {{"doc.plyra", "-o", "m.gif", "--frames", "3", "--codec", "jpeg"}, "--codec and --quality are for QuickTime"},
-        {{"doc.plyra", "-o", "m_%02d.png", "--frames", "3", "--quality", "9"}, "--codec and --quality are for QuickTime"},
+        {{"doc.plyra", "-o", "m.gif", "--frames", "3", "--codec", "jpeg"}, "--codec is for movies"},
+        {{"doc.plyra", "-o", "m_%02d.png", "--frames", "3", "--quality", "9"}, "--quality is for movies"},
         {{"doc.plyra", "-o", "f.png", "--frames", "4"}, "are for movies"},
-        {{"doc.plyra", "-o", "m.mov"}, "a movie needs --frames N"},
+        {{"doc.plyra", "-o", "f.png", "--ping-pong"}, "are for movies"},
+        {{"doc.plyra", "-o", "m.mp4", "--ease", "bounce"}, "--ease needs linear, in, out or in-out"},
+        {{"doc.plyra", "-o", "m.mp4", "--hold", "1"}, "--hold needs START,END"},
+        {{"doc.plyra", "-o", "m.mp4", "--hold", "-1,0"}, "--hold needs START,END"},
+        {{"doc.plyra", "-o", "m.avi"}, "the output must end in"},
         {{"doc.plyra", "-o", "m.mov", "--frames", "0"}, "--frames needs a whole number"},
         {{"doc.plyra", "-o", "m.mov", "--frames", "-3"}, "--frames needs a whole number"},
         {{"doc.plyra", "-o", "m.mov", "--frames", "4", "--quality", "2000"}, "--quality needs"},

@@ -7,6 +7,7 @@
 #include "platform/qt/user_defaults.h"
 #include "platform/run_loop.h"
 #include "platform/stop_request.h"
+#include "render/output_probe.h"
 
 #include <QDir>
 #include <QFile>
@@ -56,9 +57,10 @@ protected:
     }
 
     // A package with two 40 × 30 images (red and blue), or only that frame size, and two joined lines.
-    QString makeDocument(bool withImages = true)
+    QString makeDocument(bool withImages = true, const std::optional<MovieSettings>& movie = std::nullopt)
     {
         MorphDocument document;
+        document.setMovieSettings(movie);
         if (!withImages)
             document.setFrameSize(QSizeF(40, 30));
         for (unsigned track = 0; withImages && track < 2; ++track) {
@@ -180,7 +182,7 @@ TEST_F(PlyraRenderTest, WritesFramesAnimatedGifsAndNumberedFramesByTheOutputName
         ASSERT_EQ(still.exitCode, 0) << name << ": " << still.err.toStdString();
         const QImage read(path);
         ASSERT_EQ(read.size(), QSize(40, 30)) << name;
-        EXPECT_TRUE(read.hasAlphaChannel()) << name;
+        EXPECT_FALSE(read.hasAlphaChannel()) << name; // opaque: stored without alpha
         EXPECT_EQ(read.pixel(10, 10), qRgb(255, 0, 0)) << name; // lossless: the first image itself
     }
 
@@ -198,6 +200,27 @@ TEST_F(PlyraRenderTest, WritesFramesAnimatedGifsAndNumberedFramesByTheOutputName
     EXPECT_EQ(QDir(dir.filePath(u"frames"_s)).entryList(QDir::Files | QDir::Hidden),
               (QStringList{u"m_001.tif"_s, u"m_002.tif"_s, u"m_003.tif"_s, u"m_004.tif"_s}));
     EXPECT_EQ(QImage(dir.filePath(u"frames/m_004.tif"_s)).pixel(10, 10), qRgb(0, 0, 255));
+}
+
+TEST_F(PlyraRenderTest, TheDocumentsMovieIsRenderedUnlessOptionsSayOtherwise)
+{
+    MovieSettings movie;
+    movie.numberOfFrames = 5;
+    movie.framesPerSecond = 10.0f;
+    movie.timing = {Easing::EaseIn, 0.2, 0.0, true};
+    const QString document = makeDocument(true, movie);
+    const QString mp4 = dir.filePath(u"m.mp4"_s);
+    ASSERT_EQ(run({document, u"-o"_s, mp4, u"--quiet"_s}).exitCode, 0);
+    test::ProbedMovie probed = test::probeMovie(QFile::encodeName(mp4).toStdString());
+    EXPECT_EQ(probed.codec, "h264");
+    ASSERT_EQ(probed.frameSeconds.size(), 9u); // forth and back
+    EXPECT_NEAR(probed.frameSeconds[0], 0.3, 1e-9); // held
+
+    ASSERT_EQ(run({document, u"-o"_s, mp4, u"--frames"_s, u"3"_s, u"--hold"_s, u"0,0"_s, u"--ease"_s, u"linear"_s}).exitCode, 0);
+    probed = test::probeMovie(QFile::encodeName(mp4).toStdString());
+    ASSERT_EQ(probed.frameSeconds.size(), 5u);
+    for (double seconds : probed.frameSeconds)
+        EXPECT_NEAR(seconds, 0.1, 1e-9);
 }
 
 TEST_F(PlyraRenderTest, ACodecOutsideTheTableIsUsedOrRefusedBeforeAnyFrame)

@@ -11,6 +11,7 @@
 #include "render/windows/render_scheduler.h"
 #include "render/windows/render_toolbar.h"
 
+#include <QDoubleSpinBox>
 #include <QFile>
 #include <QFileDialog>
 #include <QImageReader>
@@ -77,6 +78,7 @@ void FrameWindowTest::frameSizeFollowsTheView()
     QFETCH(QSize, frame);
     test::WindowTestDocument doc(firstImage, lastImage);
     FrameWindow window(*doc.document);
+    window.setUsesDocumentFrameSize(false);
     window.controller().settings().setFrameRatioMode(mode);
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window));
@@ -95,7 +97,7 @@ void FrameWindowTest::rendersShowsAndEnablesSave()
     FrameWindow window(*doc.document);
     QCOMPARE(window.toolbar()->shownIdentifiers(),
         QStringList({QStringLiteral("progressIndicator"), QStringLiteral("save"), QStringLiteral("timeSlider"),
-            QStringLiteral("showInfo")}));
+            QStringLiteral("timeField"), QStringLiteral("showInfo")}));
     QAction* save = window.toolbar()->itemWithIdentifier(QStringLiteral("save"));
     // What the window shows as each render starts, taken at that moment.
     struct AtStart {
@@ -213,10 +215,10 @@ void FrameWindowTest::timeThresholdTitleAndSlider()
     QCOMPARE(started.count(), 0);
     QCOMPARE(times.count(), 0);
     QCOMPARE(window.time(), 0.5f);
-    window.setTime(0.502f); // twice the threshold: a new frame, the title still 50%
+    window.setTime(0.502f); // twice the threshold: a new frame
     test::advance(RenderScheduler::kRecalcDelayMs);
     QCOMPARE(started.count(), 1);
-    QCOMPARE(window.windowTitle(), QStringLiteral("Faces rendered image 50%"));
+    QCOMPARE(window.windowTitle(), QStringLiteral("Faces rendered image 50.2%"));
     QCOMPARE(times.count(), 1);
     QCOMPARE(times.last().at(0).toFloat(), 0.502f);
 
@@ -280,10 +282,21 @@ void FrameWindowTest::savedFramesMatchPlyraRender()
     doc.addLine(0.6f, 0.1f, 0.9f, 0.4f, -0.05f, 0.1f);
     const QString package = doc.savePackage();
     FrameWindow window(*doc.document);
-    window.setSizeToView(false);
-    window.setFrameSize({120.0f, 80.0f});
-    window.setTime(0.37f);
+    window.setLocale(QLocale(QLocale::German));
     window.show();
+    resizeViewTo(window, {300, 150});
+    QVERIFY(renderToEnd(window));
+    // A time typed in the window's language, exactly; the slider and the title follow.
+    QSignalSpy started(&window, &RenderWindow::renderStarted);
+    window.timeField()->setFocus();
+    window.timeField()->selectAll();
+    QTest::keyClicks(window.timeField(), QStringLiteral("37,25"));
+    QTest::keyClick(window.timeField(), Qt::Key_Return);
+    QCOMPARE(window.time(), 0.3725f);
+    QCOMPARE(window.timeSlider()->value(), 3725);
+    QVERIFY(window.windowTitle().endsWith(QStringLiteral(" 37,25%")));
+    test::advance(RenderScheduler::kRecalcDelayMs);
+    QCOMPARE(started.count(), 1);
     QVERIFY(renderToEnd(window));
     const QString fromWindow = doc.dir.filePath(QStringLiteral("window.jpg"));
     const QString png = doc.dir.filePath(QStringLiteral("window.png"));
@@ -295,19 +308,19 @@ void FrameWindowTest::savedFramesMatchPlyraRender()
     const QString fromCli = doc.dir.filePath(QStringLiteral("cli.jpg"));
     QProcess cli;
     cli.start(QStringLiteral(PLYRA_RENDER_EXE),
-        {package, QStringLiteral("-o"), fromCli, QStringLiteral("--time"), QStringLiteral("0.37"), QStringLiteral("--size"),
-            QStringLiteral("120x80"), QStringLiteral("--quiet")});
+        {package, QStringLiteral("-o"), fromCli, QStringLiteral("--time"), QStringLiteral("0.3725"), QStringLiteral("--quiet")});
     QVERIFY(cli.waitForFinished(60000));
     QCOMPARE(cli.exitCode(), 0);
     QFile a(fromWindow), b(fromCli);
     QVERIFY(a.open(QIODevice::ReadOnly) && b.open(QIODevice::ReadOnly));
     QCOMPARE(a.readAll(), b.readAll());
 
-    // PNG and TIFF hold the rendered pixels exactly.
+    // PNG and TIFF hold the rendered pixels exactly, at the document's size whatever the
+    // window's.
     const QImage rendered = window.imageView()->image().convertToFormat(QImage::Format_RGBA8888);
     for (const QString& lossless : {png, tiff}) {
         QImage saved(lossless);
-        QCOMPARE(saved.size(), QSize(120, 80));
+        QCOMPARE(saved.size(), QSize(96, 64));
         QCOMPARE(saved.convertToFormat(QImage::Format_RGBA8888), rendered);
     }
     window.close();

@@ -5,12 +5,19 @@
 
 #include "render/movie_render_controller.h"
 #include "render/windows/movie_picture_view.h"
+#include "render/windows/movie_settings_sheet.h"
 #include "render/windows/movie_player.h"
 #include "render/windows/movie_window.h"
 #include "render/windows/render_scheduler.h"
 #include "render/windows/render_toolbar.h"
 
+#include <QCheckBox>
 #include <QComboBox>
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QDir>
+#include <QFileInfo>
 #include <QFile>
 #include <QFileDialog>
 #include <QLineEdit>
@@ -70,6 +77,7 @@ private slots:
     void asksBeforeAnUnsavedMovieIsLost_data();
     void asksBeforeAnUnsavedMovieIsLost();
     void aCodecNothingCanWriteIsShown();
+    void settingsLiveInTheDocument();
     void playerKeysAndNames();
     void aWindowSizedToItsMovieStaysOnTheScreen();
 };
@@ -200,19 +208,23 @@ void MovieWindowTest::temporaryMoviesComeAndGo()
 void MovieWindowTest::savesASelfContainedMovie_data()
 {
     QTest::addColumn<QString>("code");
-    QTest::addColumn<bool>("chooseGif");
+    QTest::addColumn<int>("fileType"); // the entry of the dialog's file types, chosen by key
     QTest::addColumn<QString>("saved");
     QTest::addColumn<QString>("codecName");
-    QTest::newRow("mpeg 4") << "mp4v" << false << "morph.mov" << "mpeg4";
-    QTest::newRow("h.264") << "avc1" << false << "morph.mov" << "h264";
-    // Choosing the GIF type by key turns the suggested "faces.mov" into "faces.gif".
-    QTest::newRow("animated gif") << "mp4v" << true << "faces.gif" << "gif";
+    QTest::newRow("mpeg 4") << "mp4v" << 0 << "morph.mov" << "mpeg4";
+    QTest::newRow("h.264") << "avc1" << 0 << "morph.mov" << "h264";
+    // Choosing a type turns the suggested "faces.mov" into a name of that type.
+    QTest::newRow("mp4 from the movie shown") << "avc1" << 1 << "faces.mp4" << "h264";
+    // Frames of another codec are rendered again for the file rather than recompressed.
+    QTest::newRow("mp4 rendered for it") << "mp4v" << 1 << "faces.mp4" << "h264";
+    QTest::newRow("animated gif") << "mp4v" << 3 << "faces.gif" << "gif";
+    QTest::newRow("folder of frames") << "mp4v" << 5 << "faces/faces_0012.png" << "png";
 }
 
 void MovieWindowTest::savesASelfContainedMovie()
 {
     QFETCH(QString, code);
-    QFETCH(bool, chooseGif);
+    QFETCH(int, fileType);
     QFETCH(QString, saved);
     test::WindowTestDocument doc({64, 48}, {64, 48});
     doc.addLine(0.3f, 0.3f, 0.7f, 0.7f, 0.1f, 0.0f);
@@ -227,29 +239,35 @@ void MovieWindowTest::savesASelfContainedMovie()
     auto* dialog = window.findChild<QFileDialog*>(QStringLiteral("saveDialog"));
     QVERIFY(dialog);
     QCOMPARE(dialog->defaultSuffix(), QStringLiteral("mov"));
-    if (chooseGif) {
+    if (fileType > 0) {
         auto* types = dialog->findChild<QComboBox*>(QStringLiteral("fileTypeCombo"));
         auto* name = dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
         QVERIFY(types && name);
         QCOMPARE(name->text(), QStringLiteral("faces.mov"));
         types->setFocus();
-        QTest::keyClick(types, Qt::Key_Down);
-        QCOMPARE(name->text(), QStringLiteral("faces.gif"));
-        QCOMPARE(dialog->defaultSuffix(), QStringLiteral("gif"));
+        for (int down = 0; down < fileType; ++down)
+            QTest::keyClick(types, Qt::Key_Down);
+        if (fileType < 5)
+            QCOMPARE(name->text(), saved);
     } else {
         dialog->selectFile(doc.dir.filePath(QStringLiteral("morph")));
     }
     static_cast<QDialog*>(dialog)->accept();
     const QString path = doc.dir.filePath(saved);
-    QVERIFY(QFile::exists(path));
+    // What must be rendered again is saved once that render is complete.
+    QVERIFY(test::waitFor([&] { return QFile::exists(path) && !window.runningExport(); }));
 
     // The temporary movie goes; the saved one stands alone.
     window.close();
     const QMap<QString, QString> probed = probe(path);
     QTEST(probed.value(QStringLiteral("codec_name")), "codecName");
+    if (saved.endsWith(QStringLiteral(".png"))) {
+        QCOMPARE(QDir(QFileInfo(path).path()).entryList(QDir::Files).size(), 12);
+        return;
+    }
     QCOMPARE(probed.value(QStringLiteral("nb_read_frames")), QStringLiteral("12"));
     // GIF delays are whole hundredths of a second: 1/24 s becomes 0.04 s.
-    QVERIFY(qAbs(probed.value(QStringLiteral("duration")).toDouble() - 0.5) <= (chooseGif ? 0.021 : 0.0));
+    QVERIFY(qAbs(probed.value(QStringLiteral("duration")).toDouble() - 0.5) <= (saved.endsWith(QStringLiteral(".gif")) ? 0.021 : 0.0));
 }
 
 void MovieWindowTest::asksBeforeAnUnsavedMovieIsLost_data()
@@ -307,6 +325,57 @@ void MovieWindowTest::aCodecNothingCanWriteIsShown()
     doc.document->setCodecFormat(QStringLiteral("mp4v"));
     QVERIFY(test::waitFor([&] { return started.count() >= 1; }));
     QVERIFY(message.isEmpty());
+    window.close();
+}
+
+void MovieWindowTest::settingsLiveInTheDocument()
+{
+    test::WindowTestDocument doc;
+    MovieWindow window(*doc.document);
+    window.show();
+    QVERIFY(renderToEnd(window));
+    window.showSettings();
+    auto* sheet = static_cast<MovieSettingsSheet*>(window.settingsSheet());
+    const auto retype = [](QLineEdit* field, const QString& text) {
+        field->selectAll();
+        QTest::keyClicks(field, text);
+    };
+    retype(sheet->numberOfFramesField(), QStringLiteral("6"));
+    retype(sheet->framesPerSecondField(), QStringLiteral("10"));
+    sheet->easingPopup()->setCurrentIndex(3);
+    retype(sheet->holdStartField(), QStringLiteral("0.5"));
+    retype(sheet->holdEndField(), QStringLiteral("1"));
+    QTest::mouseClick(sheet->pingPongSwitch(), Qt::LeftButton, {}, QPoint(4, sheet->pingPongSwitch()->height() / 2));
+    QCOMPARE(sheet->durationField()->text(), QStringLiteral("total: 2.6 seconds")); // 11 frames of 0.1 s, 1.5 s held
+    QSignalSpy started(&window, &RenderWindow::renderStarted);
+    sheet->buttons()->button(QDialogButtonBox::Ok)->click();
+
+    const MovieSettings expected{6, 10.0f, true, 0, 64.0f, 48.0f, 0.0f, 1.0f, false, {Easing::EaseInOut, 0.5, 1.0, true}};
+    QVERIFY(doc.document->movieSettings());
+    QCOMPARE(doc.document->movieSettings()->timing, expected.timing);
+    QCOMPARE(doc.document->movieSettings()->numberOfFrames, 6u);
+    QVERIFY(test::waitFor([&] { return started.count() >= 1; }));
+    QVERIFY(renderToEnd(window));
+    const std::vector<std::int64_t> times = window.renderer().movie()->frameTimes();
+    QCOMPARE(times, (std::vector<std::int64_t>{0, 360, 420, 480, 540, 600, 1260, 1320, 1380, 1440, 1500}));
+
+    // Opened again, the document renders the same movie.
+    MorphDocument reopened;
+    QVERIFY(reopened.readFromFile(doc.savePackage()));
+    MovieWindow again(reopened);
+    again.show();
+    QVERIFY(renderToEnd(again));
+    QCOMPARE(again.renderer().movie()->frameTimes(), times);
+    QCOMPARE(again.controller().timing(), expected.timing);
+    again.close();
+
+    // Undone, the window renders the movie of a document without settings again.
+    started.clear();
+    doc.document->undoManager().undo();
+    QVERIFY(!doc.document->movieSettings());
+    QVERIFY(test::waitFor([&] { return started.count() >= 1; }));
+    QVERIFY(renderToEnd(window));
+    QCOMPARE(window.renderer().movie()->frameTimes().size(), std::size_t{20});
     window.close();
 }
 

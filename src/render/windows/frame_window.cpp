@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "render/windows/frame_window.h"
 
+#include "model/morph_document.h"
 #include "render/frame_output.h"
 #include "render/frame_render_controller.h"
 #include "render/windows/frame_view.h"
 #include "render/windows/render_settings_sheet.h"
 #include "render/windows/render_toolbar.h"
 
+#include <QDoubleSpinBox>
+#include <QLineEdit>
 #include <QSignalBlocker>
 #include <QSlider>
 #include <QWidgetAction>
@@ -14,6 +17,37 @@
 #include <cmath>
 
 namespace plyra {
+namespace {
+
+/// A number with the decimals it needs, in the locale's form: "40", "40,5", not "40,500".
+QString trimmedNumber(const QLocale& locale, double value, int decimals)
+{
+    QString text = locale.toString(value, 'f', decimals);
+    const QString point = locale.decimalPoint();
+    if (!text.contains(point))
+        return text;
+    while (text.endsWith(QLatin1Char('0')))
+        text.chop(1);
+    if (text.endsWith(point))
+        text.chop(point.size());
+    return text;
+}
+
+/// The time field: a percentage shown with the decimals it needs.
+class PercentField : public QDoubleSpinBox {
+public:
+    explicit PercentField(const QString& accessibleName, QWidget* parent)
+        : QDoubleSpinBox(parent)
+    {
+        setAccessibleName(accessibleName);
+        lineEdit()->setAccessibleName(accessibleName);
+    }
+
+    QString textFromValue(double value) const override { return trimmedNumber(locale(), value, decimals()); }
+};
+
+} // namespace
+
 FrameWindow::FrameWindow(MorphDocument& document, QWidget* parent)
     : FrameWindow(document, new FrameRenderController(document), parent)
 {
@@ -30,6 +64,13 @@ FrameWindow::FrameWindow(MorphDocument& document, FrameRenderController* rendere
     setResultView(m_imageView);
     m_imageView->setContentsMargins(8, 8, 8, 8);
 
+    buildTimeControls();
+    resize(600, 400 + toolbar()->sizeHint().height());
+    refreshTitle();
+}
+
+void FrameWindow::buildTimeControls()
+{
     m_slider = new QSlider(Qt::Horizontal, this);
     m_slider->setRange(0, kSliderSteps);
     m_slider->setSingleStep(kSliderSteps / 100);
@@ -41,11 +82,20 @@ FrameWindow::FrameWindow(MorphDocument& document, FrameRenderController* rendere
     m_slider->setAccessibleName(tr("Morph position"));
     m_slider->setToolTip(tr("The morph time of the frame"));
     connect(m_slider, &QSlider::valueChanged, this, &FrameWindow::takeTimeFromSlider);
+    m_timeField = new PercentField(tr("Morph time in percent"), this);
+    m_timeField->setRange(0.0, 100.0);
+    m_timeField->setDecimals(3);
+    m_timeField->setSuffix(tr(" %"));
+    m_timeField->setValue(static_cast<double>(time()) * 100.0);
+    // The frame follows a typed time once it is complete, not every keystroke.
+    m_timeField->setKeyboardTracking(false);
+    m_timeField->setToolTip(tr("The exact morph time of the frame, from 0 % (the first image) to 100 % (the last)"));
+    connect(m_timeField, &QDoubleSpinBox::valueChanged, this, &FrameWindow::takeTimeFromField);
     auto* sliderItem = toolbar()->addWidgetItem(QString::fromLatin1(kTimeSliderIdentifier), m_slider, tr("Morph position"), tr("Morph position"));
     static_cast<QWidgetAction*>(sliderItem)->defaultWidget()->setMinimumWidth(200);
-    setToolbarItems({QString::fromLatin1(kTimeSliderIdentifier)});
-    resize(600, 400 + toolbar()->sizeHint().height());
-    refreshTitle();
+    toolbar()->addWidgetItem(QString::fromLatin1(kTimeFieldIdentifier), m_timeField, tr("Time"), tr("Morph time"));
+    // Between Save and Settings: the slider, and the field beside it.
+    setToolbarItems({QString::fromLatin1(kTimeSliderIdentifier), QString::fromLatin1(kTimeFieldIdentifier)});
 }
 
 float FrameWindow::time() const
@@ -55,18 +105,74 @@ float FrameWindow::time() const
 
 void FrameWindow::setTime(float time)
 {
-    if (!renderer().setTime(time))
-        return;
+    if (renderer().setTime(time))
+        followTime(time);
+}
+
+void FrameWindow::setExactTime(float time)
+{
+    if (renderer().setExactTime(time))
+        followTime(time);
+}
+
+void FrameWindow::followTime(float time)
+{
     refreshTitle();
     delayedRecalc();
-    const QSignalBlocker blocker(m_slider);
+    const QSignalBlocker sliderBlocker(m_slider);
     m_slider->setValue(static_cast<int>(std::lround(time * kSliderSteps)));
+    const QSignalBlocker fieldBlocker(m_timeField);
+    m_timeField->setValue(static_cast<double>(time) * 100.0);
     emit timeChanged(time);
 }
 
 void FrameWindow::takeTimeFromSlider(int value)
 {
     setTime(static_cast<float>(value) / kSliderSteps);
+}
+
+void FrameWindow::takeTimeFromField(double percent)
+{
+    // As plyra-render reads --time: the fraction in double precision, then a float.
+    setExactTime(static_cast<float>(percent / 100.0));
+}
+
+QString FrameWindow::percentText(float time) const
+{
+    return trimmedNumber(locale(), static_cast<double>(time) * 100.0, m_timeField->decimals());
+}
+
+void FrameWindow::setUsesDocumentFrameSize(bool on)
+{
+    if (on == m_documentFrameSize)
+        return;
+    m_documentFrameSize = on;
+    delayedRecalc();
+}
+
+void FrameWindow::takeDocumentSettings()
+{
+    if (!m_documentFrameSize)
+        return;
+    const QSizeF size = document().frameSize();
+    controller().settings().setSizeToView(false);
+    if (size.width() >= 1.0 && size.height() >= 1.0)
+        controller().settings().setFrameSize({static_cast<float>(size.width()), static_cast<float>(size.height())});
+}
+
+SheetSettings FrameWindow::sheetSettings()
+{
+    SheetSettings settings = RenderWindow::sheetSettings();
+    settings.documentFrameSize = m_documentFrameSize;
+    return settings;
+}
+
+void FrameWindow::applySheetSettings()
+{
+    m_documentFrameSize = settingsSheet()->values().documentFrameSize.value_or(false);
+    RenderWindow::applySheetSettings();
+    if (m_documentFrameSize)
+        delayedRecalc();
 }
 
 QSize FrameWindow::viewSize() const
@@ -84,8 +190,7 @@ void FrameWindow::showPolledResults()
 
 QString FrameWindow::windowTitleForDocumentDisplayName(const QString& name) const
 {
-    const double percent = static_cast<double>(time()) * 100.0;
-    return tr("%1 rendered image %2%").arg(name, QString::number(percent, 'f', 0));
+    return tr("%1 rendered image %2%").arg(name, percentText(time()));
 }
 
 RenderSettingsSheet* FrameWindow::createSettingsSheet()

@@ -4,14 +4,18 @@
 #include "model/morph_document.h"
 #include "platform/qt/user_defaults.h"
 #include "platform/qt/user_defaults_keys.h"
+#include "render/document_movie_settings.h"
 #include "render/movie_codecs.h"
 #include "render/movie_render_controller.h"
+#include "render/windows/movie_export.h"
 #include "render/windows/movie_picture_view.h"
 #include "render/windows/movie_player.h"
 #include "render/windows/movie_settings_sheet.h"
 #include "render/windows/render_toolbar.h"
 #include "widgets/screen_fit.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QScreen>
 
@@ -87,6 +91,16 @@ void MovieWindow::screenChanged()
         sizeWindowToMovie();
 }
 
+void MovieWindow::takeDocumentSettings()
+{
+    // A document with settings of its own renders its movie; one that lost them (an
+    // undone change) goes back to the defaults.
+    if (!document().movieSettings() && !m_followsDocument)
+        return;
+    m_followsDocument = document().movieSettings().has_value();
+    applyMovieSettings(documentMovieSettings(document()), controller());
+}
+
 bool MovieWindow::startRender()
 {
     // The player lets go of the old movie before it is closed.
@@ -114,7 +128,7 @@ void MovieWindow::showPolledResults()
         m_framesShown = appended;
         // The view steps to the newest frame; with frames of no duration it stays at the start.
         const std::int64_t duration = frameDurationValue(renderer().settings().framesPerSecond());
-        m_player->setCurrentTime(duration > 0 ? (appended - 1) * duration : 0);
+        m_player->setCurrentTime(duration > 0 ? renderer().schedule().movieFrameStart(static_cast<std::size_t>(appended - 1)) : 0);
         refreshTitle();
     }
     if (renderer().morphJobs().empty() && !m_complete) {
@@ -150,6 +164,7 @@ RenderSettingsSheet* MovieWindow::createSettingsSheet()
 void MovieWindow::prepareSettingsSheet()
 {
     m_sheet->loadCodec(document().codecFormat(), document().codecQuality());
+    m_sheet->loadTiming(controller().timing());
 }
 
 void MovieWindow::applySheetSettings()
@@ -162,6 +177,23 @@ void MovieWindow::applySheetSettings()
     UserDefaults::standard().setObject(QLatin1String(DefaultsKey::kCodecFormat), codec);
     UserDefaults::standard().setInteger(QLatin1String(DefaultsKey::kCodecQuality), quality);
     RenderWindow::applySheetSettings();
+    if (controller().setTiming(m_sheet->timing()))
+        delayedRecalc();
+    // The document keeps the movie, so that opening it again renders the same one.
+    const SheetSettings values = m_sheet->values();
+    MovieSettings movie = documentMovieSettings(document());
+    movie.numberOfFrames = values.numberOfFrames.value_or(movie.numberOfFrames);
+    movie.framesPerSecond = values.framesPerSecond.value_or(movie.framesPerSecond);
+    movie.reverse = values.reverse.value_or(movie.reverse);
+    movie.sizeToView = values.sizeToView;
+    movie.frameRatioMode = static_cast<std::int32_t>(values.frameRatioMode);
+    movie.frameWidth = static_cast<float>(values.frameWidth);
+    movie.frameHeight = static_cast<float>(values.frameHeight);
+    const MorphTimeRange range = controller().settings().timeRange();
+    movie.rangeLocation = range.location;
+    movie.rangeLength = range.length;
+    movie.timing = m_sheet->timing();
+    document().setMovieSettings(movie);
     updateAspectMode();
 }
 
@@ -172,15 +204,44 @@ void MovieWindow::updateAspectMode()
 
 SaveFileTypes MovieWindow::saveFileTypes() const
 {
-    // The saved movie's kind follows the name: a QuickTime movie, or an animated GIF made
-    // from the same compressed frames.
-    return {QStringLiteral("mov"), {QStringLiteral("gif")},
-        {tr("QuickTime movie (*.mov)"), tr("Animated GIF, looping (*.gif)")}};
+    // The saved movie's kind follows the name; the last choice is a folder of frames.
+    return {QStringLiteral("mov"),
+        {QStringLiteral("mp4"), QStringLiteral("webm"), QStringLiteral("gif"), QStringLiteral("webp")},
+        {tr("QuickTime movie (*.mov)"), tr("MPEG-4 movie, H.264 (*.mp4)"), tr("WebM movie, VP9 (*.webm)"),
+            tr("Animated GIF, looping (*.gif)"), tr("Animated WebP, looping (*.webp)"),
+            tr("Image sequence, a folder of numbered PNG frames (*)")},
+        5};
+}
+
+QString MovieWindow::sequencePatternForFolder(const QString& folder, std::size_t frameCount)
+{
+    const QString name = QFileInfo(folder).fileName();
+    const int digits = std::max(4, static_cast<int>(QString::number(static_cast<qulonglong>(frameCount)).size()));
+    QString escaped = name;
+    escaped.replace(QLatin1Char('%'), QLatin1String("%%"));
+    return QDir(folder).filePath(escaped + QStringLiteral("_%0") + QString::number(digits) + QStringLiteral("d.png"));
 }
 
 bool MovieWindow::saveRenderedFramesToPath(const QString& path, QString* error)
 {
-    const bool saved = renderer().saveRenderedMovie(path, error);
+    QString output = path;
+    if (path.endsWith(QLatin1Char('/'))) {
+        // A folder of frames, named without the movie's extension the dialog suggested.
+        QString folder = path.chopped(1);
+        if (movieOutputKindForPath(folder))
+            folder = QFileInfo(folder).dir().filePath(QFileInfo(folder).completeBaseName());
+        if (!QDir().mkpath(folder)) {
+            *error = tr("The folder “%1” cannot be made.").arg(folder);
+            return false;
+        }
+        output = sequencePatternForFolder(folder, renderer().schedule().sequenceFileCount());
+    }
+    const std::optional<MovieOutputKind> kind = movieOutputKindForPath(output, error);
+    if (!kind)
+        return false;
+    if (!renderer().canSaveAs(*kind))
+        return startExport(output, error);
+    const bool saved = renderer().saveRenderedMovie(output, error);
     m_saved = m_saved || saved;
     // Saving waited for the last frames: the player may show them now.
     m_player->refresh();
@@ -197,8 +258,33 @@ QString MovieWindow::unsavedResultQuestion(const QString& name) const
     return tr("Do you want to save the movie of “%1”?").arg(name);
 }
 
+bool MovieWindow::startExport(const QString& path, QString* error)
+{
+    if (m_export)
+        m_export->deleteLater();
+    m_export = new MovieExport(renderer(), this);
+    connect(m_export, &MovieExport::finished, this, &MovieWindow::exportFinished);
+    if (m_export->start(path, error))
+        return true;
+    m_export->deleteLater();
+    m_export = nullptr;
+    return false;
+}
+
+void MovieWindow::exportFinished(bool saved, const QString& path, const QString& reason)
+{
+    m_export->deleteLater();
+    m_export = nullptr;
+    m_saved = m_saved || saved;
+    if (!saved && !reason.isEmpty())
+        RenderSaveDialog::showSaveFailedAlert(this, path, reason);
+}
+
 void MovieWindow::windowClosed()
 {
+    if (m_export)
+        m_export->deleteLater();
+    m_export = nullptr;
     m_player->pause();
     m_player->setWriter(nullptr);
     renderer().closeMovie();

@@ -2,6 +2,8 @@
 #include "render/windows/preview_strip_render.h"
 
 #include "engine/image_conversion.h"
+#include "render/document_movie_settings.h"
+#include "render/easing.h"
 #include "render/frame_output.h"
 
 #include <algorithm>
@@ -52,6 +54,12 @@ float PreviewStripRender::previewInterpolationFactor() const
 bool PreviewStripRender::recalc()
 {
     settings().setNumberOfFrames(static_cast<std::uint32_t>(m_cells.size()));
+    // The strip shows the movie's pace: its cells at the frame times the movie's easing gives.
+    const Easing easing = documentMovieSettings(document()).timing.easing;
+    const int count = cellCount();
+    for (int i = 0; i < count; ++i)
+        m_cells[static_cast<std::size_t>(i)].time = count < 2 ? timeOfCell(i, count)
+            : static_cast<float>(easedProgress(easing, static_cast<double>(timeOfCell(i, count))));
     if (!RenderController::recalc())
         return false;
     // The strip blanks out until the new frames arrive.

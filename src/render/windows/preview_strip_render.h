@@ -10,8 +10,9 @@
 namespace plyra {
 
 /// The render of the preview strip: one small frame per cell at evenly spaced times from
-/// 0 to 1, computed at the cells' size with the preview's coarser grid, every cell blank
-/// at the start of a render and filled strictly from the first to the last.
+/// 0 to 1 (spaced as the document's movie easing spaces frames), computed at the cells'
+/// size with the preview's coarser grid, every cell blank at the start of a render and
+/// filled strictly from the first to the last.
 /// Threads: main thread.
 class PreviewStripRender : public RenderController {
 public:

@@ -51,7 +51,10 @@ QFileDialog* makeDialog(QWidget* window, const QString& documentPath, const Save
     QObject::connect(dialog, &QFileDialog::filterSelected, dialog, [dialog, types](const QString& filter) {
         const int index = types.nameFilters.indexOf(filter);
         const QStringList all = QStringList{types.requiredExtension} + types.alternativeExtensions;
-        dialog->setDefaultSuffix(index >= 0 && index < all.size() ? all[index] : types.requiredExtension);
+        if (index >= 0 && index == types.folderFilter)
+            dialog->setDefaultSuffix(QString());
+        else
+            dialog->setDefaultSuffix(index >= 0 && index < all.size() ? all[index] : types.requiredExtension);
     });
     return dialog;
 }
@@ -63,8 +66,9 @@ void RenderSaveDialog::run(QWidget* window, const QString& documentPath, const S
 {
     QFileDialog* dialog = makeDialog(window, documentPath, types);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
-    QObject::connect(dialog, &QFileDialog::fileSelected, window, [types, save](const QString& path) {
-        save(pathWithRequiredExtension(path, types));
+    QObject::connect(dialog, &QFileDialog::fileSelected, window, [dialog, types, save](const QString& path) {
+        const bool folder = types.folderFilter >= 0 && dialog->selectedNameFilter() == types.nameFilters.value(types.folderFilter);
+        save(folder ? path + QLatin1Char('/') : pathWithRequiredExtension(path, types));
     });
     dialog->open();
 }
@@ -74,7 +78,9 @@ QString RenderSaveDialog::askPath(QWidget* window, const QString& documentPath, 
     const std::unique_ptr<QFileDialog> dialog(makeDialog(window, documentPath, types));
     if (dialog->exec() != QDialog::Accepted || dialog->selectedFiles().isEmpty())
         return {};
-    return pathWithRequiredExtension(dialog->selectedFiles().constFirst(), types);
+    const QString path = dialog->selectedFiles().constFirst();
+    const bool folder = types.folderFilter >= 0 && dialog->selectedNameFilter() == types.nameFilters.value(types.folderFilter);
+    return folder ? path + QLatin1Char('/') : pathWithRequiredExtension(path, types);
 }
 
 RenderSaveDialog::UnsavedResultAnswer RenderSaveDialog::askToSaveResult(QWidget* window, const QString& question)

@@ -12,11 +12,14 @@ class QWidget;
 namespace plyra {
 
 /// What a render window's save dialog offers: the extension the file must have, other
-/// extensions it may have instead, and the file-type filters shown.
+/// extensions it may have instead, and the file-type filters shown, one for each
+/// extension in that order. The filter at folderFilter (none when -1) saves into a folder
+/// of that name instead of a file.
 struct SaveFileTypes {
     QString requiredExtension;
     QStringList alternativeExtensions;
     QStringList nameFilters;
+    int folderFilter = -1;
 };
 
 /// The save dialog of the render windows and the alert of a failed save.
@@ -34,7 +37,8 @@ public:
     static QString startPath(const QString& documentPath, const QString& requiredExtension);
 
     /// Runs the dialog as a sheet of the window; calls `save` with the chosen path
-    /// (extension enforced) once the user confirms.
+    /// (extension enforced; ending in "/" when the folder filter was chosen) once the
+    /// user confirms.
     static void run(QWidget* window, const QString& documentPath, const SaveFileTypes& types,
         std::function<void(const QString&)> save);
 

@@ -22,6 +22,7 @@ namespace {
 
 constexpr int kSizeToWindowTag = 0;
 constexpr int kFixedSizeTag = 1;
+constexpr int kDocumentSizeTag = 2;
 constexpr int kMaxFrameSide = 16384;
 
 QLineEdit* numberField(const QString& accessibleName, QValidator* validator, QWidget* parent)
@@ -53,7 +54,8 @@ RenderSettingsSheet::RenderSettingsSheet(Contents contents, QWidget* parent)
     outer->addLayout(m_form);
     if (contents == Contents::FrameSizeAndTiming)
         buildTimingRows();
-    buildSizeRows();
+    // A single frame is saved at the document's size unless asked otherwise.
+    buildSizeRows(contents == Contents::FrameSize);
     m_buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     m_buttons->button(QDialogButtonBox::Ok)->setAccessibleName(tr("OK"));
     m_buttons->button(QDialogButtonBox::Cancel)->setAccessibleName(tr("Cancel"));
@@ -78,7 +80,7 @@ void RenderSettingsSheet::buildTimingRows()
     connect(m_framesPerSecond, &QLineEdit::textChanged, this, &RenderSettingsSheet::framesPerSecondFieldChanged);
 }
 
-void RenderSettingsSheet::buildSizeRows()
+void RenderSettingsSheet::buildSizeRows(bool documentSize)
 {
     m_sizeToWindow = new QRadioButton(tr("Size to window"), this);
     m_sizeToWindow->setAccessibleName(tr("Size to window"));
@@ -97,7 +99,13 @@ void RenderSettingsSheet::buildSizeRows()
     fixedRow->addWidget(new QLabel(tr("pixels"), this));
     m_ratioPopup = new QComboBox(this);
     m_ratioPopup->setAccessibleName(tr("Frame ratio"));
-    m_form->addRow(tr("Frame size:"), m_sizeToWindow);
+    if (documentSize) {
+        m_documentSize = new QRadioButton(tr("Document frame size"), this);
+        m_documentSize->setAccessibleName(tr("Document frame size"));
+        m_sizeChoice->addButton(m_documentSize, kDocumentSizeTag);
+        m_form->addRow(tr("Frame size:"), m_documentSize);
+    }
+    m_form->addRow(documentSize ? QString() : tr("Frame size:"), m_sizeToWindow);
     m_form->addRow(QString(), fixedRow);
     m_form->addRow(tr("Ratio:"), m_ratioPopup);
     connect(m_sizeChoice, &QButtonGroup::idToggled, this, &RenderSettingsSheet::sizeToWindowButtonChanged);
@@ -108,7 +116,7 @@ void RenderSettingsSheet::buildSizeRows()
         connect(field, &QLineEdit::textChanged, this, &RenderSettingsSheet::updateOkButton);
 }
 
-void RenderSettingsSheet::load(const SheetSettings& settings, std::array<float, 2> aspectRatios)
+void RenderSettingsSheet::load(const SheetSettings& settings, std::array<float, 2> aspectRatios, QSize documentSize)
 {
     m_aspectRatios = aspectRatios;
     m_ratioPopup->clear();
@@ -119,6 +127,13 @@ void RenderSettingsSheet::load(const SheetSettings& settings, std::array<float, 
     m_frameWidth->setText(locale().toString(settings.frameWidth));
     m_frameHeight->setText(locale().toString(settings.frameHeight));
     (settings.sizeToView ? m_sizeToWindow : m_fixedSize)->setChecked(true);
+    if (m_documentSize) {
+        m_documentSize->setText(documentSize.isValid()
+            ? tr("Document frame size (%1 × %2 pixels)").arg(locale().toString(documentSize.width()), locale().toString(documentSize.height()))
+            : tr("Document frame size"));
+        if (settings.documentFrameSize.value_or(false))
+            m_documentSize->setChecked(true);
+    }
     if (m_numberOfFrames && settings.numberOfFrames)
         m_numberOfFrames->setText(locale().toString(*settings.numberOfFrames));
     if (m_framesPerSecond && settings.framesPerSecond)
@@ -142,6 +157,8 @@ SheetSettings RenderSettingsSheet::values() const
     settings.frameHeight = intValue(m_frameHeight);
     settings.frameRatioMode = chosenRatioMode();
     settings.sizeToView = m_sizeChoice->checkedId() == kSizeToWindowTag;
+    if (m_documentSize)
+        settings.documentFrameSize = m_documentSize->isChecked();
     return settings;
 }
 
@@ -153,16 +170,21 @@ void RenderSettingsSheet::numberOfFramesFieldChanged()
 void RenderSettingsSheet::framesPerSecondFieldChanged()
 {
     if (m_duration && m_numberOfFrames && m_framesPerSecond) {
-        const float seconds = floatValue(m_numberOfFrames) / floatValue(m_framesPerSecond);
+        const double seconds = totalSeconds(floatValue(m_numberOfFrames), floatValue(m_framesPerSecond));
         m_duration->setText(std::isfinite(seconds) ? tr("total: %1 seconds").arg(locale().toString(seconds, 'f', 1))
                                                    : QString());
     }
     updateOkButton();
 }
 
+double RenderSettingsSheet::totalSeconds(float frames, float framesPerSecond) const
+{
+    return static_cast<double>(frames / framesPerSecond);
+}
+
 void RenderSettingsSheet::sizeToWindowButtonChanged()
 {
-    const bool fixed = m_sizeChoice->checkedId() != kSizeToWindowTag;
+    const bool fixed = m_sizeChoice->checkedId() == kFixedSizeTag;
     m_frameWidth->setEnabled(fixed);
     m_frameHeight->setEnabled(fixed);
     updateOkButton();
@@ -190,7 +212,7 @@ void RenderSettingsSheet::updateOkButton()
     bool acceptable = true;
     for (const QLineEdit* field : {m_numberOfFrames, m_framesPerSecond})
         acceptable = acceptable && (!field || field->hasAcceptableInput());
-    if (m_sizeChoice->checkedId() != kSizeToWindowTag)
+    if (m_sizeChoice->checkedId() == kFixedSizeTag)
         acceptable = acceptable && m_frameWidth->hasAcceptableInput() && m_frameHeight->hasAcceptableInput();
     m_buttons->button(QDialogButtonBox::Ok)->setEnabled(acceptable);
 }

@@ -30,10 +30,13 @@ struct SheetSettings {
     int frameHeight = 0;
     FrameRatioMode frameRatioMode = FrameRatioMode::AsFirstImage;
     bool sizeToView = true;
+    /// The frame has the document's frame size; absent from a sheet without that choice.
+    std::optional<bool> documentFrameSize;
 };
 
 /// The settings sheet of a render window: frame count, rate and total duration, the
-/// direction, the frame size (following the window or fixed) and the ratio it keeps.
+/// direction, the frame size (following the window, fixed, or, in the single-frame
+/// window, the document's) and the ratio it keeps.
 /// Dependent fields follow as the user types: the duration, the enabled size fields and
 /// the other side of a ratio-bound size.
 /// Threads: main thread.
@@ -46,8 +49,9 @@ public:
     explicit RenderSettingsSheet(Contents contents, QWidget* parent = nullptr);
 
     /// Fills every control from the settings; aspectRatios are the document's width ÷
-    /// height of the first and the last image, used while the ratio is bound.
-    void load(const SheetSettings& settings, std::array<float, 2> aspectRatios);
+    /// height of the first and the last image, used while the ratio is bound, and
+    /// documentSize the document's frame size, shown beside its choice.
+    void load(const SheetSettings& settings, std::array<float, 2> aspectRatios, QSize documentSize = {});
     /// The settings as the controls show them now.
     SheetSettings values() const;
 
@@ -59,6 +63,7 @@ public:
     QComboBox* ratioPopup() const { return m_ratioPopup; }
     QRadioButton* sizeToWindowButton() const { return m_sizeToWindow; }
     QRadioButton* fixedSizeButton() const { return m_fixedSize; }
+    QRadioButton* documentSizeButton() const { return m_documentSize; }
     QLineEdit* frameWidthField() const { return m_frameWidth; }
     QLineEdit* frameHeightField() const { return m_frameHeight; }
     QDialogButtonBox* buttons() const { return m_buttons; }
@@ -66,10 +71,14 @@ public:
 protected:
     /// Where subclasses add rows of their own.
     QFormLayout* form() const { return m_form; }
+    /// How long the frames last in all, in seconds; the base: frames ÷ rate.
+    virtual double totalSeconds(float frames, float framesPerSecond) const;
+    /// Shows the total duration again (a subclass's own fields changed).
+    void updateDuration() { framesPerSecondFieldChanged(); }
 
 private:
     void buildTimingRows();
-    void buildSizeRows();
+    void buildSizeRows(bool documentSize);
     void numberOfFramesFieldChanged();
     void framesPerSecondFieldChanged();
     void sizeToWindowButtonChanged();
@@ -91,6 +100,7 @@ private:
     QButtonGroup* m_sizeChoice = nullptr;
     QRadioButton* m_sizeToWindow = nullptr;
     QRadioButton* m_fixedSize = nullptr;
+    QRadioButton* m_documentSize = nullptr;
     QLineEdit* m_frameWidth = nullptr;
     QLineEdit* m_frameHeight = nullptr;
     QDialogButtonBox* m_buttons = nullptr;

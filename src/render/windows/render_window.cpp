@@ -204,6 +204,7 @@ void RenderWindow::recalc()
 {
     if (!isVisible() || !documentHasImage())
         return; // hidden windows do no work; without an image there is nothing to render
+    takeDocumentSettings();
     resizeToViewIfSizesToView();
     // After the resize, whose new size would otherwise ask for a second render.
     m_scheduler->cancelDelayedRecalc();
@@ -334,7 +335,8 @@ SheetSettings RenderWindow::sheetSettings()
 void RenderWindow::showSettings()
 {
     RenderSettingsSheet* sheet = settingsSheet();
-    sheet->load(sheetSettings(), {m_document.aspectRatioInTrack(0), m_document.aspectRatioInTrack(1)});
+    sheet->load(sheetSettings(), {m_document.aspectRatioInTrack(0), m_document.aspectRatioInTrack(1)},
+                m_document.frameSize().toSize());
     prepareSettingsSheet();
     sheet->open();
 }

@@ -104,6 +104,8 @@ protected:
     void setResultView(QWidget* view);
     /// Fills what the sheet shows beyond the common settings.
     virtual void prepareSettingsSheet() { }
+    /// Takes what the document says of this render before each recalculation.
+    virtual void takeDocumentSettings() { }
     /// Starts the controller's render; false when nothing was started.
     virtual bool startRender();
     /// Shows what the last poll consumed.

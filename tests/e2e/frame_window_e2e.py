@@ -1,9 +1,12 @@
 # SPDX-License-Identifier: MIT
 """The frame window as a person uses it: open the demo, choose Render Image, wait for
 the frame, move the Morph position slider to the end with the keyboard, save the frame
-through the save dialog; the JPEG has the frame's size and the title the new time."""
+through the save dialog; the JPEG has the document's frame size and the title the new
+time. Then an exact time typed into the time field: the PNG saved is byte for byte the
+one plyra-render writes for that time."""
 
 import os
+import subprocess
 import sys
 
 from e2e_support import Accessibility, E2EError, Plyra, copy_demo, jpeg_size, main, wait_for
@@ -30,8 +33,23 @@ def test(display, scratch, binary, render_binary, demo):
         target = os.path.join(scratch, "frame.jpg")
         plyra.save_through_dialog(frame_window, a11y.centre(save), target, "the saved frame")
         width, height = jpeg_size(target)
-        if width < 100 or height < 100:
-            raise E2EError(f"the saved frame is only {width}x{height}")
+        if (width, height) != (300, 300):
+            raise E2EError(f"the saved frame is {width}x{height}, not the document's 300x300")
+
+        field = a11y.find("Morph time in percent", "spin button")
+        plyra.click(a11y.centre(field))
+        plyra.key("ctrl+a")
+        plyra.xdotool("type", "--delay", "20", "40.5")
+        plyra.key("Return")
+        plyra.window("rendered image 40.5%")
+        wait_for(lambda: a11y.is_enabled(save), what="the frame at 40.5 %")
+        typed = os.path.join(scratch, "typed.png")
+        plyra.save_through_dialog(frame_window, a11y.centre(save), typed, "the frame at the typed time")
+        cli = os.path.join(scratch, "cli.png")
+        subprocess.run([render_binary, package, "-o", cli, "--time", "0.405", "--quiet"], check=True)
+        with open(typed, "rb") as a, open(cli, "rb") as b:
+            if a.read() != b.read():
+                raise E2EError("the frame saved at 40.5 % differs from plyra-render --time 0.405")
         plyra.focus(window)
         plyra.quit()
     finally:

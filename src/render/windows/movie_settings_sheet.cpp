@@ -12,8 +12,10 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QRadioButton>
 
 #include <algorithm>
+#include <iterator>
 
 namespace plyra {
 namespace {
@@ -91,6 +93,10 @@ void MovieSettingsSheet::buildTimingRows()
     m_pingPong = new QCheckBox(tr("Ping-pong (forth and back, for loops)"), this);
     m_pingPong->setAccessibleName(tr("Ping-pong"));
     form()->insertRow(row, QString(), m_pingPong);
+    // Tab goes through the rows in the order they are shown.
+    QWidget* const order[] = {reverseSwitch(), m_easingPopup, m_holdStart, m_holdEnd, m_pingPong, sizeToWindowButton()};
+    for (std::size_t k = 1; k < std::size(order); ++k)
+        QWidget::setTabOrder(order[k - 1], order[k]);
     connect(m_easingPopup, &QComboBox::activated, this, &MovieSettingsSheet::updateDuration);
     connect(m_holdStart, &QLineEdit::textChanged, this, &MovieSettingsSheet::updateDuration);
     connect(m_holdEnd, &QLineEdit::textChanged, this, &MovieSettingsSheet::updateDuration);

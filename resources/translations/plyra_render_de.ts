@@ -54,6 +54,10 @@
         <source>Time</source>
         <translation>Zeit</translation>
     </message>
+    <message>
+        <source>Morph time</source>
+        <translation>Morph-Zeitpunkt</translation>
+    </message>
 </context>
 <context>
     <name>plyra::MovieExport</name>

@@ -73,6 +73,10 @@
         <source>Saving</source>
         <translation>Sichern</translation>
     </message>
+    <message>
+        <source>Writing “%1”…</source>
+        <translation>„%1“ wird geschrieben …</translation>
+    </message>
 </context>
 <context>
     <name>plyra::MoviePictureView</name>

@@ -69,9 +69,16 @@ void MovieExport::poll()
     if (!done)
         return;
     m_poll.stop();
-    QString reason;
-    const bool saved = m_renderer.saveRenderedMovie(m_path, &reason);
-    end(saved, saved ? QString() : reason);
+    // Making a GIF or WebP from the frames takes a while of its own: say so before it starts.
+    if (m_progress) {
+        m_progress->setLabelText(tr("Writing “%1”…").arg(QFileInfo(m_path).fileName()));
+        m_progress->setCancelButton(nullptr);
+    }
+    QTimer::singleShot(0, this, [this] {
+        QString reason;
+        const bool saved = m_renderer.saveRenderedMovie(m_path, &reason);
+        end(saved, saved ? QString() : reason);
+    });
 }
 
 void MovieExport::cancel()

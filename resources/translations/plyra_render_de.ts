@@ -283,7 +283,7 @@
     </message>
     <message>
         <source>Animated WebP, looping (*.webp)</source>
-        <translation>Animiertes WebP, endlos (*.webp)</translation>
+        <translation>Animiertes WebP, in Schleife (*.webp)</translation>
     </message>
     <message>
         <source>Image sequence, a folder of numbered PNG frames (*)</source>

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "render/frame_spool.h"
 
+#include "platform/user_text.h"
+
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -50,7 +52,7 @@ FrameSpool::FrameSpool(const std::string& directory)
     : m_file(openAnonymousFile(directory))
 {
     if (m_file < 0)
-        m_error = "cannot make a file to keep frames in '" + directory + "': " + std::strerror(errno);
+        m_error = fillIn(userText("FrameSpool", "cannot make a file to keep frames in '%1': %2"), {directory, std::strerror(errno)});
 }
 
 FrameSpool::~FrameSpool()
@@ -67,7 +69,7 @@ bool FrameSpool::put(std::uint32_t frame, const Bitmap& bitmap)
     const Entry entry{m_end, bitmap.width(), bitmap.height()};
     for (int y = 0; y < bitmap.height(); ++y) {
         if (!transfer(::pwrite, m_file, bitmap.row(y), rowBytes, m_end)) {
-            m_error = std::string("cannot keep a frame aside: ") + std::strerror(errno);
+            m_error = fillIn(userText("FrameSpool", "cannot keep a frame aside: %1"), {std::strerror(errno)});
             return false;
         }
         m_end += rowBytes;
@@ -80,7 +82,7 @@ std::optional<Bitmap> FrameSpool::get(std::uint32_t frame)
 {
     const auto found = m_entries.find(frame);
     if (m_file < 0 || found == m_entries.end()) {
-        m_error = "frame " + std::to_string(frame + 1) + " was not kept";
+        m_error = fillIn(userText("FrameSpool", "frame %1 was not kept"), {std::to_string(frame + 1)});
         return std::nullopt;
     }
     const Entry& entry = found->second;
@@ -89,7 +91,7 @@ std::optional<Bitmap> FrameSpool::get(std::uint32_t frame)
     std::uint64_t offset = entry.offset;
     for (int y = 0; y < entry.height; ++y, offset += rowBytes)
         if (!transfer(::pread, m_file, bitmap.row(y), rowBytes, offset)) {
-            m_error = std::string("cannot read a frame back: ") + std::strerror(errno);
+            m_error = fillIn(userText("FrameSpool", "cannot read a frame back: %1"), {std::strerror(errno)});
             return std::nullopt;
         }
     return bitmap;

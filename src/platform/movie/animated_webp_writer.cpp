@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/movie/animated_webp_writer.h"
 
-#include "platform/log.h"
 #include "platform/movie/movie_output_file_internal.h"
 #include "platform/user_text.h"
 
@@ -53,7 +52,7 @@ MovieStatus addFrame(WebPAnimEncoder* encoder, const RgbaImage& image, int times
 {
     WebPPicture picture;
     if (!WebPPictureInit(&picture))
-        return failure("libwebp does not match the version it was built for");
+        return failure(userText("AnimatedWebpWriter", "libwebp does not match the version it was built for"));
     picture.use_argb = 1;
     picture.width = image.width();
     picture.height = image.height();
@@ -61,7 +60,7 @@ MovieStatus addFrame(WebPAnimEncoder* encoder, const RgbaImage& image, int times
     const bool added = WebPPictureImportRGBA(&picture, rgba.data(), static_cast<int>(image.bytesPerRow()))
         && WebPAnimEncoderAdd(encoder, &picture, timestamp, &config);
     WebPPictureFree(&picture);
-    return added ? MovieStatus::success() : failure(std::string("Could not compress a WebP frame: ") + WebPAnimEncoderGetError(encoder));
+    return added ? MovieStatus::success() : failure(fillIn(userText("AnimatedWebpWriter", "Could not compress a WebP frame: %1"), {WebPAnimEncoderGetError(encoder)}));
 }
 
 MovieStatus writeBytes(const std::string& path, const WebPData& data)
@@ -90,17 +89,18 @@ MovieStatus encodeAll(WebPAnimEncoder* encoder, const AnimationTiming& timing, i
         MovieStatus status;
         const std::optional<RgbaImage> image = frames(index, &status);
         if (!image)
-            return status.ok() ? failure(formatString("Frame %zu is missing", index + 1)) : status;
+            return status.ok() ? failure(fillIn(userText("AnimatedWebpWriter", "Frame %1 is missing"), {std::to_string(index + 1)})) : status;
         if (image->width() != width || image->height() != height)
-            return MovieStatus::failure(kMovieParamError, formatString("Frame %zu is %d x %d pixels, not %d x %d",
-                                                                       index + 1, image->width(), image->height(), width, height));
+            return MovieStatus::failure(kMovieParamError, fillIn(userText("AnimatedWebpWriter", "Frame %1 is %2 x %3 pixels, not %4 x %5"),
+                {std::to_string(index + 1), std::to_string(image->width()), std::to_string(image->height()),
+                 std::to_string(width), std::to_string(height)}));
         status = addFrame(encoder, *image, static_cast<int>(timing.startIn(index, kMillisecondsPerSecond)), config);
         if (!status.ok())
             return status;
     }
     // The end of the last frame.
     if (!WebPAnimEncoderAdd(encoder, nullptr, static_cast<int>(timing.startIn(timing.frameCount(), kMillisecondsPerSecond)), nullptr))
-        return failure(std::string("Could not finish the WebP animation: ") + WebPAnimEncoderGetError(encoder));
+        return failure(fillIn(userText("AnimatedWebpWriter", "Could not finish the WebP animation: %1"), {WebPAnimEncoderGetError(encoder)}));
     return MovieStatus::success();
 }
 
@@ -110,28 +110,28 @@ MovieStatus AnimatedWebpWriter::write(const std::string& path, int width, int he
                                       int quality, const FrameSource& frames)
 {
     if (timing.frameCount() == 0 || width < 1 || height < 1 || width > kMaxSide || height > kMaxSide)
-        return MovieStatus::failure(kMovieParamError, formatString(
-            "Could not write \"%s\": an animated WebP needs frames of 1 to %d pixels a side", path.c_str(), kMaxSide));
+        return MovieStatus::failure(kMovieParamError, fillIn(userText("AnimatedWebpWriter",
+            "Could not write \"%1\": an animated WebP needs frames of 1 to %2 pixels a side"), {path, std::to_string(kMaxSide)}));
     MovieOutputFile file(path);
     if (!file.status().ok())
         return file.status();
     WebPAnimEncoderOptions options;
     if (!WebPAnimEncoderOptionsInit(&options))
-        return failure("libwebp does not match the version it was built for");
+        return failure(userText("AnimatedWebpWriter", "libwebp does not match the version it was built for"));
     options.anim_params.loop_count = 0; // for ever
     const Encoder encoder(WebPAnimEncoderNew(width, height, &options));
     if (!encoder)
-        return MovieStatus::failure(kMovieMemoryError, "Out of memory while setting up the WebP encoder");
+        return MovieStatus::failure(kMovieMemoryError, userText("AnimatedWebpWriter", "Out of memory while setting up the WebP encoder"));
     MovieStatus status = encodeAll(encoder.get(), timing, quality, frames, width, height);
     WebPData data;
     WebPDataInit(&data);
     if (status.ok() && !WebPAnimEncoderAssemble(encoder.get(), &data))
-        status = failure(std::string("Could not assemble the WebP file: ") + WebPAnimEncoderGetError(encoder.get()));
+        status = failure(fillIn(userText("AnimatedWebpWriter", "Could not assemble the WebP file: %1"), {WebPAnimEncoderGetError(encoder.get())}));
     if (status.ok())
         status = writeBytes(file.sidePath(), data);
     WebPDataClear(&data);
     if (!status.ok())
-        return MovieStatus::failure(status.code, formatString("Could not write \"%s\": %s", path.c_str(), status.message.c_str()));
+        return MovieStatus::failure(status.code, fillIn(userText("AnimatedWebpWriter", "Could not write \"%1\": %2"), {path, status.message}));
     return file.commit(userText("AnimatedWebpWriter", "Could not move the finished WebP to \"%1\": %2"));
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/stills/png_encoder.h"
 
+#include "platform/user_text.h"
+
 #include <spng.h>
 #include <zlib.h>
 
@@ -25,7 +27,7 @@ using Context = std::unique_ptr<spng_ctx, ContextFree>;
 std::optional<std::vector<std::uint8_t>> failure(std::string* error, const std::string& step, int code)
 {
     if (error)
-        *error = "cannot encode the PNG image (" + step + "): " + spng_strerror(code);
+        *error = fillIn(userText("PngEncoder", "cannot encode the PNG image (%1): %2"), {step, spng_strerror(code)});
     return std::nullopt;
 }
 
@@ -51,18 +53,18 @@ std::optional<std::vector<std::uint8_t>> PngEncoder::encode(const PixelRows& pic
 {
     if (picture.isEmpty()) {
         if (error)
-            *error = "there is no picture to encode";
+            *error = userText("PngEncoder", "there is no picture to encode");
         return std::nullopt;
     }
     const Context context(spng_ctx_new(SPNG_CTX_ENCODER));
     if (!context)
-        return failure(error, "setting up", SPNG_EMEM);
+        return failure(error, userText("PngEncoder", "setting up"), SPNG_EMEM);
     const bool opaque = picture.isOpaque();
     if (const int result = configure(context.get(), picture, opaque, dotsPerMeter))
-        return failure(error, "setting up", result);
+        return failure(error, userText("PngEncoder", "setting up"), result);
     int result = spng_encode_image(context.get(), nullptr, 0, SPNG_FMT_PNG, SPNG_ENCODE_PROGRESSIVE | SPNG_ENCODE_FINALIZE);
     if (result)
-        return failure(error, "starting", result);
+        return failure(error, userText("PngEncoder", "starting"), result);
     const StoredPixels stored = opaque ? StoredPixels::Rgb : StoredPixels::StraightRgba;
     std::vector<std::uint8_t> row(static_cast<std::size_t>(picture.width) * (opaque ? 3 : 4));
     for (int y = 0; y < picture.height && result == 0; ++y) {
@@ -70,12 +72,12 @@ std::optional<std::vector<std::uint8_t>> PngEncoder::encode(const PixelRows& pic
         result = spng_encode_row(context.get(), row.data(), row.size());
     }
     if (result != SPNG_EOI)
-        return failure(error, "compressing", result);
+        return failure(error, userText("PngEncoder", "compressing"), result);
     std::size_t size = 0;
     int bufferError = 0;
     void* bytes = spng_get_png_buffer(context.get(), &size, &bufferError);
     if (!bytes)
-        return failure(error, "finishing", bufferError ? bufferError : SPNG_EMEM);
+        return failure(error, userText("PngEncoder", "finishing"), bufferError ? bufferError : SPNG_EMEM);
     std::vector<std::uint8_t> file(static_cast<const std::uint8_t*>(bytes), static_cast<const std::uint8_t*>(bytes) + size);
     std::free(bytes);
     return file;

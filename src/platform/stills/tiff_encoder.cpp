@@ -2,6 +2,7 @@
 #include "platform/stills/tiff_encoder.h"
 
 #include "platform/log.h"
+#include "platform/user_text.h"
 
 #include <tiffio.h>
 
@@ -92,11 +93,11 @@ std::optional<std::vector<std::uint8_t>> TiffEncoder::encode(const PixelRows& pi
 {
     auto fail = [error](const std::string& reason) {
         if (error)
-            *error = "cannot encode the TIFF image: " + reason;
+            *error = fillIn(userText("TiffEncoder", "cannot encode the TIFF image: %1"), {reason});
         return std::nullopt;
     };
     if (picture.isEmpty())
-        return fail("there is no picture to encode");
+        return fail(userText("TiffEncoder", "there is no picture to encode"));
     MemoryFile file;
     TIFFOpenOptions* options = TIFFOpenOptionsAlloc();
     TIFFOpenOptionsSetErrorHandlerExtR(options, &MemoryFile::onError, &file);

@@ -183,7 +183,8 @@ void MovieWindowTest::temporaryMoviesComeAndGo()
     // A change makes a new temporary movie and removes the old one.
     QSignalSpy started(&window, &RenderWindow::renderStarted);
     doc.addLine(0.1f, 0.1f, 0.4f, 0.9f);
-    QVERIFY(test::waitFor([&] { return started.count() >= 1; }));
+    test::advance(RenderScheduler::kRecalcDelayMs);
+    QCOMPARE(started.count(), 1);
     const QString second = QString::fromStdString(window.renderer().tempPath());
     QVERIFY(second != first);
     QVERIFY(!QFile::exists(first));
@@ -323,7 +324,8 @@ void MovieWindowTest::aCodecNothingCanWriteIsShown()
 
     // A codec that works clears the message and renders.
     doc.document->setCodecFormat(QStringLiteral("mp4v"));
-    QVERIFY(test::waitFor([&] { return started.count() >= 1; }));
+    test::advance(RenderScheduler::kRecalcDelayMs);
+    QCOMPARE(started.count(), 1);
     QVERIFY(message.isEmpty());
     window.close();
 }
@@ -354,7 +356,8 @@ void MovieWindowTest::settingsLiveInTheDocument()
     QVERIFY(doc.document->movieSettings());
     QCOMPARE(doc.document->movieSettings()->timing, expected.timing);
     QCOMPARE(doc.document->movieSettings()->numberOfFrames, 6u);
-    QVERIFY(test::waitFor([&] { return started.count() >= 1; }));
+    test::advance(RenderScheduler::kRecalcDelayMs);
+    QCOMPARE(started.count(), 1);
     QVERIFY(renderToEnd(window));
     const std::vector<std::int64_t> times = window.renderer().movie()->frameTimes();
     QCOMPARE(times, (std::vector<std::int64_t>{0, 360, 420, 480, 540, 600, 1260, 1320, 1380, 1440, 1500}));
@@ -373,7 +376,8 @@ void MovieWindowTest::settingsLiveInTheDocument()
     started.clear();
     doc.document->undoManager().undo();
     QVERIFY(!doc.document->movieSettings());
-    QVERIFY(test::waitFor([&] { return started.count() >= 1; }));
+    test::advance(RenderScheduler::kRecalcDelayMs);
+    QCOMPARE(started.count(), 1);
     QVERIFY(renderToEnd(window));
     QCOMPARE(window.renderer().movie()->frameTimes().size(), std::size_t{20});
     window.close();

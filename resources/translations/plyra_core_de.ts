@@ -13,6 +13,49 @@
     </message>
 </context>
 <context>
+    <name>AnimatedWebpWriter</name>
+    <message>
+        <source>libwebp does not match the version it was built for</source>
+        <translation>libwebp passt nicht zu der Version, für die Plyra gebaut wurde</translation>
+    </message>
+    <message>
+        <source>Could not compress a WebP frame: %1</source>
+        <translation>Ein WebP-Bild konnte nicht komprimiert werden: %1</translation>
+    </message>
+    <message>
+        <source>Frame %1 is missing</source>
+        <translation>Bild %1 fehlt</translation>
+    </message>
+    <message>
+        <source>Frame %1 is %2 x %3 pixels, not %4 x %5</source>
+        <translation>Bild %1 hat %2 × %3 Pixel statt %4 × %5</translation>
+    </message>
+    <message>
+        <source>Could not finish the WebP animation: %1</source>
+        <translation>Die WebP-Animation konnte nicht abgeschlossen werden: %1</translation>
+    </message>
+    <message>
+        <source>Could not write &quot;%1&quot;: an animated WebP needs frames of 1 to %2 pixels a side</source>
+        <translation>„%1“ konnte nicht geschrieben werden: ein animiertes WebP braucht Bilder mit 1 bis %2 Pixeln je Seite</translation>
+    </message>
+    <message>
+        <source>Out of memory while setting up the WebP encoder</source>
+        <translation>Der Speicher reicht nicht, um den WebP-Encoder einzurichten</translation>
+    </message>
+    <message>
+        <source>Could not assemble the WebP file: %1</source>
+        <translation>Die WebP-Datei konnte nicht zusammengesetzt werden: %1</translation>
+    </message>
+    <message>
+        <source>Could not write &quot;%1&quot;: %2</source>
+        <translation>„%1“ konnte nicht geschrieben werden: %2</translation>
+    </message>
+    <message>
+        <source>Could not move the finished WebP to &quot;%1&quot;: %2</source>
+        <translation>Das fertige WebP konnte nicht nach „%1“ verschoben werden: %2</translation>
+    </message>
+</context>
+<context>
     <name>DisplayImage</name>
     <message>
         <source>reading the image was interrupted</source>
@@ -113,6 +156,25 @@
     </message>
 </context>
 <context>
+    <name>FrameSpool</name>
+    <message>
+        <source>cannot make a file to keep frames in &apos;%1&apos;: %2</source>
+        <translation>in „%1“ kann keine Datei zum Aufbewahren der Bilder angelegt werden: %2</translation>
+    </message>
+    <message>
+        <source>cannot keep a frame aside: %1</source>
+        <translation>ein Bild kann nicht beiseitegelegt werden: %1</translation>
+    </message>
+    <message>
+        <source>frame %1 was not kept</source>
+        <translation>Bild %1 wurde nicht aufbewahrt</translation>
+    </message>
+    <message>
+        <source>cannot read a frame back: %1</source>
+        <translation>ein Bild kann nicht zurückgelesen werden: %1</translation>
+    </message>
+</context>
+<context>
     <name>ImageLimits</name>
     <message>
         <source>%1 × %2 pixels, more than the %3 million (such as 16384 × 16384) that are read</source>
@@ -125,6 +187,29 @@
     <message>
         <source>the first page of the PDF document is too large: at 72 dpi it has %1</source>
         <translation>die erste Seite des PDF-Dokuments ist zu groß: bei 72 dpi hat sie %1</translation>
+    </message>
+</context>
+<context>
+    <name>ImageSequenceWriter</name>
+    <message>
+        <source>there is not enough memory for it</source>
+        <translation>der Speicher reicht dafür nicht</translation>
+    </message>
+    <message>
+        <source>cannot write &apos;%1&apos;: %2</source>
+        <translation>„%1“ kann nicht geschrieben werden: %2</translation>
+    </message>
+    <message>
+        <source>the frame could not be rendered</source>
+        <translation>das Bild konnte nicht berechnet werden</translation>
+    </message>
+    <message>
+        <source>frame %1 was not rendered</source>
+        <translation>Bild %1 wurde nicht berechnet</translation>
+    </message>
+    <message>
+        <source>cannot move the frame into place at &apos;%1&apos;: %2</source>
+        <translation>das Bild kann nicht nach „%1“ verschoben werden: %2</translation>
     </message>
 </context>
 <context>
@@ -194,16 +279,8 @@
 <context>
     <name>MovieFrameExport</name>
     <message>
-        <source>cannot write &apos;%1&apos;: %2</source>
-        <translation>„%1“ kann nicht geschrieben werden: %2</translation>
-    </message>
-    <message>
         <source>the movie has no frames</source>
         <translation>der Film hat keine Bilder</translation>
-    </message>
-    <message>
-        <source>cannot move the frame into place at &apos;%1&apos;: %2</source>
-        <translation>das Bild kann nicht nach „%1“ verschoben werden: %2</translation>
     </message>
 </context>
 <context>
@@ -214,9 +291,9 @@
         <translation>eine nummerierte Bildfolge braucht ein %1 oder %2 (N von 1 bis 9) im Dateinamen und die Endung .png, .jpg, .jpeg, .tif oder .tiff: „%3“</translation>
     </message>
     <message>
-        <source>a movie is saved as .mov, .gif or a numbered image sequence such as %1: &apos;%2&apos;</source>
+        <source>a movie is saved as .mov, .mp4, .webm, .gif, .webp or a numbered image sequence such as %1: &apos;%2&apos;</source>
         <extracomment>%1 is an example file name, NAME_%04d.png, %2 the file name given.</extracomment>
-        <translation>ein Film wird als .mov, .gif oder als nummerierte Bildfolge wie %1 gesichert: „%2“</translation>
+        <translation>ein Film wird als .mov, .mp4, .webm, .gif, .webp oder als nummerierte Bildfolge wie %1 gespeichert: „%2“</translation>
     </message>
 </context>
 <context>
@@ -255,6 +332,30 @@
     <message>
         <source>the movie is not complete</source>
         <translation>der Film ist nicht vollständig</translation>
+    </message>
+    <message>
+        <source>the file names of the image sequence are not known</source>
+        <translation>die Dateinamen der Bildfolge sind nicht bekannt</translation>
+    </message>
+    <message>
+        <source>cannot write &apos;%1&apos;: %2</source>
+        <translation>„%1“ kann nicht geschrieben werden: %2</translation>
+    </message>
+    <message>
+        <source>the frames were rendered as a movie, not as an image sequence</source>
+        <translation>die Bilder wurden als Film berechnet, nicht als Bildfolge</translation>
+    </message>
+    <message>
+        <source>the frames were rendered for the names &apos;%1&apos;</source>
+        <translation>die Bilder wurden für die Namen „%1“ berechnet</translation>
+    </message>
+    <message>
+        <source>the image sequence is not complete</source>
+        <translation>die Bildfolge ist nicht vollständig</translation>
+    </message>
+    <message>
+        <source>the movie was compressed with &apos;%1&apos;, which a .%2 file does not hold</source>
+        <translation>der Film wurde mit „%1“ komprimiert, das eine .%2-Datei nicht aufnehmen kann</translation>
     </message>
 </context>
 <context>
@@ -351,6 +452,33 @@
     </message>
 </context>
 <context>
+    <name>PngEncoder</name>
+    <message>
+        <source>cannot encode the PNG image (%1): %2</source>
+        <translation>das PNG-Bild kann nicht kodiert werden (%1): %2</translation>
+    </message>
+    <message>
+        <source>there is no picture to encode</source>
+        <translation>es gibt kein Bild zum Kodieren</translation>
+    </message>
+    <message>
+        <source>setting up</source>
+        <translation>beim Einrichten</translation>
+    </message>
+    <message>
+        <source>starting</source>
+        <translation>beim Beginnen</translation>
+    </message>
+    <message>
+        <source>compressing</source>
+        <translation>beim Komprimieren</translation>
+    </message>
+    <message>
+        <source>finishing</source>
+        <translation>beim Abschließen</translation>
+    </message>
+</context>
+<context>
     <name>RegularFile</name>
     <message>
         <source>no such file</source>
@@ -417,6 +545,17 @@
     </message>
 </context>
 <context>
+    <name>TiffEncoder</name>
+    <message>
+        <source>cannot encode the TIFF image: %1</source>
+        <translation>das TIFF-Bild kann nicht kodiert werden: %1</translation>
+    </message>
+    <message>
+        <source>there is no picture to encode</source>
+        <translation>es gibt kein Bild zum Kodieren</translation>
+    </message>
+</context>
+<context>
     <name>TiffIo</name>
     <message>
         <source>There is no image to write to “%1”.</source>
@@ -464,6 +603,13 @@
     <message>
         <source>reading the image was interrupted</source>
         <translation>das Lesen des Bildes wurde abgebrochen</translation>
+    </message>
+</context>
+<context>
+    <name>UndoAction</name>
+    <message>
+        <source>Change Movie Settings</source>
+        <translation>Filmeinstellungen ändern</translation>
     </message>
 </context>
 </TS>

@@ -26,7 +26,7 @@ ctest --test-dir build --output-on-failure -j "$jobs" --timeout 300
 
 # Test suites of the readers of files (property lists, colour archives, packages, fuzz
 # regressions) and of the code that runs on several threads.
-parsers='HostileFile|PackageHostile|FolderCarryOver|LargeImage|PropertyList|OpenStep|ColorArchive|ArchivedColor|FuzzRegression|DocumentPackage|TiffIo|MorphLineStoredForm|StringTable|MovieFile|CliOptions|PlyraRender|FaceNetworks|FaceImageSource|Autosave'
+parsers='HostileFile|PackageHostile|FolderCarryOver|LargeImage|PropertyList|OpenStep|ColorArchive|ArchivedColor|FuzzRegression|DocumentPackage|TiffIo|MorphLineStoredForm|StringTable|MovieFile|CliOptions|PlyraRender|FaceNetworks|FaceImageSource|Autosave|MovieOutput'
 threads='FrameConversionQueue|ConditionLock|MorphCalculationJob|Morpher|ImageRenderer|AsyncMovieWriter|FramePixels|FrameRender|MovieRender|SampleCoords|Autosave'
 sanitized_targets=(platform_tests model_tests recovery_tests engine_tests render_tests cli_tests face_tests)
 

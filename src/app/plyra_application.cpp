@@ -38,7 +38,9 @@ QString s_interfaceLanguage = QStringLiteral("en");
 
 // Numbers are shown and read as the interface's language writes them: a German interface
 // chosen by LANGUAGE alone writes "0,3" even where the locale of LANG writes "0.3". A
-// locale of that language (de_CH under LANG) is kept as it is.
+// locale of that language (de_CH under LANG) is kept as it is. The system locale takes its
+// language from LANGUAGE when LANG says nothing more (C.UTF-8) but its numbers from LANG,
+// so it is rebuilt from its name rather than used as it is.
 std::string translateUserText(const char* context, const char* text)
 {
     return QCoreApplication::translate(context, text).toStdString();
@@ -47,7 +49,8 @@ std::string translateUserText(const char* context, const char* text)
 void useNumbersOf(const QString& language)
 {
     const QLocale wanted(language);
-    QLocale::setDefault(QLocale::system().language() == wanted.language() ? QLocale::system() : wanted);
+    const QLocale system(QLocale::system().name());
+    QLocale::setDefault(system.language() == wanted.language() ? system : wanted);
 }
 
 bool isImageArgument(const QString& argument)

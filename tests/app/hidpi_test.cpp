@@ -116,6 +116,9 @@ private slots:
         m_window->showFrameWindow();
         FrameWindow* frames = m_window->frameWindow();
         QVERIFY(QTest::qWaitForWindowExposed(frames));
+        // Saving is at the document's size by default; this frame follows the view.
+        frames->setUsesDocumentFrameSize(false);
+        frames->controller().settings().setSizeToView(true);
         frames->controller().settings().setFrameRatioMode(FrameRatioMode::Free);
         frames->recalc();
         QVERIFY(QTest::qWaitFor([&] { return frames->renderer().bitmap() && !frames->scheduler().isPolling()
